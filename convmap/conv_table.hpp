@@ -42,10 +42,10 @@ enum class ConvType : int32_t {
     ucs4ToUtf16 = 28,
     dbcsToUtf16 = 29,
     utf16ToDbcs = 30,
-    utf8ToDbcsShort = 50,   // as 18, for a charset whose substitute is one byte
-    sbcsToUtf8Short = 51,   // as 19, for a charset without three-byte forms
-    dbcsToUtf8Long = 81,    // as 17, for a charset with four-byte forms
-    dbcsToUtf8Longest = 89, // the same, with the largest growth
+    utf8ToDbcsShort = 50,    // as 18, for a charset whose substitute is one byte
+    sbcsToUtf8Short = 51,    // as 19, for a charset without three-byte forms
+    dbcsToUtf8Long = 81,     // as 17, for a charset with four-byte forms
+    dbcsToUtf8Longest = 89,  // the same, with the largest growth
 };
 
 // The block of the multi-byte bridges.
