@@ -1,0 +1,135 @@
+/* Byte buffers in a record, counters of bytes, characters and screen columns, and the names of charsets. */
+#ifndef NLS_STRINGS_H
+#define NLS_STRINGS_H
+
+#include "nls/base.h"
+#include "nls/records.h"
+
+NLS_BEGIN_DECLS
+
+/* ---- Records ----
+
+   An nlsStr tells of a buffer of the caller; the library never allocates or frees one. `strLength` stays below
+   `bufSize` and a NUL stands behind the text, except in a record of nlsSetString, for which the caller answers. All
+   sizes and counts are bytes. Records and out-arguments must not be null unless a status below says otherwise. Where
+   `src` and the buffer overlap, the bytes that stood in `src` before the call are copied.
+
+   A record that breaks its own rule (a negative `bufSize`, text that fills the buffer) is refused as full, with
+   NLS_BUF_SMALL (2): nothing is ever written at or behind `buf` + `bufSize`. */
+
+/* Makes a record of an empty text: writes a NUL at `buf`, unless `bufSize` is below 1. NLS_OK; NLS_BAD_ARG (16) if
+   `rec` is null, or `buf` is null and `bufSize` is not below 1. */
+NLS_API nlsStatus nlsInitString(unsigned char* buf, int32_t bufSize, nlsStr* rec);
+
+/* Makes a record of text that stands in `buf` already. The three values are stored as they are and nothing is written
+   to `buf`. NLS_OK; NLS_BAD_ARG (16) if `rec` is null. */
+NLS_API nlsStatus nlsSetString(unsigned char* buf, int32_t bufSize, uint32_t strLength, nlsStr* rec);
+
+/* Appends up to `count` bytes of `src`, stopping at a NUL in it, and closes the text with a NUL. With a `count` at or
+   below 0 only the NUL is written.
+
+   NLS_OK             appended; `strLength` has grown by the bytes copied
+   NLS_BAD_ARG (16)   `src` is null, or `rec` is
+   NLS_BUF_SMALL (2)  fewer than `count` bytes are free besides the NUL; nothing changed. `count` is what must fit, also
+                      when `src` is shorter */
+NLS_API nlsStatus nlsAppendString(const unsigned char* src, int32_t count, nlsStr* rec);
+
+/* Puts up to `count` bytes of `src`, stopping at a NUL in it, in place of the text, and closes with a NUL. With a
+   `count` at or below 0 the text becomes empty.
+
+   NLS_OK             copied; `strLength` is the number of bytes copied
+   NLS_BAD_ARG (16)   `src` is null, or `rec` is
+   NLS_BUF_SMALL (2)  `bufSize` is below 1, or `count` isn't below `bufSize`; nothing changed */
+NLS_API nlsStatus nlsCopyString(const unsigned char* src, int32_t count, nlsStr* rec);
+
+/* Copies the text of `from`, up to its `strLength` or a NUL, to `to`, and closes it with a NUL. The records are not
+   tested for null.
+
+   NLS_OK             copied; `to->strLength` is the number of bytes copied
+   NLS_BUF_SMALL (2)  `to->bufSize` is below 1 or isn't above `from->strLength`; nothing changed */
+NLS_API nlsStatus nlsCopynlsStr(const nlsStr* from, nlsStr* to);
+
+/* The fields of a record. NLS_OK, or NLS_BAD_ARG (16) if `rec` is null; then nothing is written. */
+NLS_API nlsStatus nlsGetBufOfnlsStr(const nlsStr* rec, unsigned char** buf);
+NLS_API nlsStatus nlsGetBufSizeOfnlsStr(const nlsStr* rec, uint32_t* bufSize);
+NLS_API nlsStatus nlsGetStrLengthOfnlsStr(const nlsStr* rec, uint32_t* strLength);
+
+/* ---- Bytes ----
+
+   Plain copies that know nothing of characters. No argument may be null. Overlap is treated as above. */
+
+/* Bytes before the NUL. */
+NLS_API uint32_t nlsStrlen(const unsigned char* s);
+
+/* Copies `src` with its NUL to `dst` (source first), and returns the bytes copied without the NUL. */
+NLS_API uint32_t nlsStrcpy(const unsigned char* src, unsigned char* dst);
+
+/* Copies up to `max` bytes of `src`, stopping at a NUL, and closes `dst` with a NUL: `dst` has room for `max` + 1
+   bytes. Returns the bytes copied without the NUL. With a `max` at or below 0, `dst` gets a NUL and the result is 0. */
+NLS_API uint32_t nlsStrncpy(const unsigned char* src, unsigned char* dst, int32_t max);
+
+/* ---- Counters ----
+
+   They count in NUL-terminated text, and never look behind the NUL. `tls` may be null and is not read.
+
+   The three counters first set their out-argument to 0, and then check in this order: the handle behind the locale
+   (NLS_BAD_HANDLE, also for a null locale), the locale (NLS_BAD_LOCALE), its attribute table (NLS_NO_ATTRIB), the text
+   and the count (NLS_BAD_ARG (16) for a null `s` or a negative count). The out-argument must not be null. */
+
+/* Screen columns of the characters that begin in the first `byteLen` bytes of `s`; a character that begins there counts
+   whole. A character of one byte fills one column. A longer one fills two, or one if the charset marks its first byte
+   so. In UTF-8 its code point decides: one column below U+3000 and two from there on, but one in U+FE80 to U+FEFE and
+   in U+FF60 to U+FFFF save U+FFDD to U+FFE7, and none for U+FEFF and the Thai vowels and marks above and below the
+   line.
+
+   NLS_OK, or NLS_BAD_ARG (16) also if `byteLen` exceeds the length of `s`. */
+NLS_API nlsStatus nlsCountColumns(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t byteLen,
+                                  uint32_t* columns);
+
+/* Bytes that the first `charCount` characters of `s` occupy. With a `charCount` above the number of characters it is
+   the length of `s`.
+
+   NLS_OK
+   NLS_PARTIAL_CHAR (-4)  the NUL cuts a character short; `*bytes` is that of the characters in front of it. Not
+   answered when `charCount` exceeds the length of `s` in bytes */
+NLS_API nlsStatus nlsCountBytes(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t charCount,
+                                uint32_t* bytes);
+
+/* Characters in the first `byteLen` bytes of `s`, or in all of `s` if it is shorter.
+
+   NLS_OK
+   NLS_PARTIAL_CHAR (-4)  a character of a multi-byte charset runs past these bytes; `*chars` is the number of
+   characters in front of it. Also for an empty `s` with a `byteLen` above 0 in a multi-byte charset */
+NLS_API nlsStatus nlsCountChars(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t byteLen,
+                                uint32_t* chars);
+
+/* Copies the first `charCount` characters of `s` into `rec`, never half a character. Checks the handle behind the
+   locale (NLS_BAD_HANDLE), the locale (NLS_BAD_LOCALE), `s` and `rec` (NLS_BAD_ARG); then answers as nlsCountBytes, and
+   if that is NLS_OK as nlsCopyString. After any other status than NLS_OK the record is unchanged. */
+NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t charCount,
+                             nlsStr* rec);
+
+/* ---- Names of charsets ---- */
+
+/* Bytes that hold any canonical name and its NUL. */
+enum { NLS_CHARSET_NAME_SIZE = 20 };
+
+/* Writes the name of the system's charset to `name`: "ISO8859-1", whatever the system. NLS_OK, or NLS_BAD_ARG (16) if
+   `name` is null. */
+NLS_API nlsStatus nlsGetOSCharset(char* name);
+
+/* Writes the canonical form of the charset name `name` to `canonical`.
+
+   NLS_BAD_ARG (16)        `name` or `canonical` is null
+   NLS_OK                  found
+   NLS_END_OF_STRING (20)  no canonical name is equal to `name`; nothing written
+
+   With a null `useLocale` names compare without regard to case (by the C library's table of the process's locale) and
+   to trailing blanks, and `locale` isn't looked at. With any other `useLocale`, which is tested for null alone, they
+   compare under the folding collation of `locale`: after NLS_BAD_ARG come NLS_BAD_HANDLE, NLS_BAD_LOCALE, NLS_NO_ATTRIB
+   (27) and NLS_BAD_COLLATION (25) for a locale without a collation. */
+NLS_API nlsStatus nlsGetZelCharset(const void* useLocale, const nlsLocale* locale, const char* name, char* canonical);
+
+NLS_END_DECLS
+
+#endif

@@ -1,0 +1,151 @@
+// Door: records of text, byte copies, counters, names of charsets.
+#include <cstring>
+
+#include "core/base/checks.hpp"
+#include "nls/strings.h"
+#include "strings/charset_names.hpp"
+#include "strings/counting.hpp"
+#include "strings/str_record.hpp"
+
+// ---- Records ----
+
+nlsStatus nlsInitString(unsigned char* buf, int32_t bufSize, nlsStr* rec) {
+    if (rec == nullptr || (buf == nullptr && bufSize > 0)) return NLS_BAD_ARG;
+    *rec = nlsStr{buf, bufSize, 0};
+    if (bufSize > 0) *buf = 0;
+    return NLS_OK;
+}
+
+nlsStatus nlsSetString(unsigned char* buf, int32_t bufSize, uint32_t strLength, nlsStr* rec) {
+    if (rec == nullptr) return NLS_BAD_ARG;
+    *rec = nlsStr{buf, bufSize, strLength};
+    return NLS_OK;
+}
+
+nlsStatus nlsAppendString(const unsigned char* src, int32_t count, nlsStr* rec) {
+    if (src == nullptr || rec == nullptr) return NLS_BAD_ARG;
+    return nls::appendText(*rec, src, count);
+}
+
+nlsStatus nlsCopyString(const unsigned char* src, int32_t count, nlsStr* rec) {
+    if (src == nullptr || rec == nullptr) return NLS_BAD_ARG;
+    return nls::replaceText(*rec, src, count);
+}
+
+nlsStatus nlsCopynlsStr(const nlsStr* from, nlsStr* to) {
+    return nls::replaceText(*to, from->buf, int64_t{from->strLength});
+}
+
+nlsStatus nlsGetBufOfnlsStr(const nlsStr* rec, unsigned char** buf) {
+    if (rec == nullptr) return NLS_BAD_ARG;
+    *buf = rec->buf;
+    return NLS_OK;
+}
+
+nlsStatus nlsGetBufSizeOfnlsStr(const nlsStr* rec, uint32_t* bufSize) {
+    if (rec == nullptr) return NLS_BAD_ARG;
+    *bufSize = static_cast<uint32_t>(rec->bufSize);
+    return NLS_OK;
+}
+
+nlsStatus nlsGetStrLengthOfnlsStr(const nlsStr* rec, uint32_t* strLength) {
+    if (rec == nullptr) return NLS_BAD_ARG;
+    *strLength = rec->strLength;
+    return NLS_OK;
+}
+
+// ---- Bytes ----
+
+uint32_t nlsStrlen(const unsigned char* s) {
+    return static_cast<uint32_t>(nls::untilNul(s).size());
+}
+
+uint32_t nlsStrcpy(const unsigned char* src, unsigned char* dst) {
+    return nls::copyClosed(src, INT64_MAX, dst);
+}
+
+uint32_t nlsStrncpy(const unsigned char* src, unsigned char* dst, int32_t max) {
+    return nls::copyClosed(src, max, dst);
+}
+
+// ---- Counters ----
+
+namespace {
+
+nlsStatus checkCount(const nlsLocale* locale, const unsigned char* s, int32_t count) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
+    return s == nullptr || count < 0 ? NLS_BAD_ARG : NLS_OK;
+}
+
+// The bytes of the first `charCount` characters, checked as the counters are.
+nls::Counted bytesOfChars(const nlsLocale* locale, const unsigned char* s, int32_t charCount) {
+    if (const nlsStatus bad = checkCount(locale, s, charCount)) return {bad, 0};
+    return nls::countBytes(nls::Charset{*locale->attrib}, s, charCount);
+}
+
+}  // namespace
+
+nlsStatus nlsCountColumns(const nlsLocale* locale, nlsTlsBlock*, const unsigned char* s, int32_t byteLen,
+                          uint32_t* columns) {
+    *columns = 0;
+    if (const nlsStatus bad = checkCount(locale, s, byteLen)) return bad;
+    const nls::ByteView span{s, nls::boundedLength(s, byteLen)};
+    if (span.size() < static_cast<std::size_t>(byteLen)) return NLS_BAD_ARG;
+    *columns = nls::countColumns(nls::Charset{*locale->attrib}, span);
+    return NLS_OK;
+}
+
+nlsStatus nlsCountBytes(const nlsLocale* locale, nlsTlsBlock*, const unsigned char* s, int32_t charCount,
+                        uint32_t* bytes) {
+    const nls::Counted counted = bytesOfChars(locale, s, charCount);
+    *bytes = counted.count;
+    return counted.status;
+}
+
+nlsStatus nlsCountChars(const nlsLocale* locale, nlsTlsBlock*, const unsigned char* s, int32_t byteLen,
+                        uint32_t* chars) {
+    *chars = 0;
+    if (const nlsStatus bad = checkCount(locale, s, byteLen)) return bad;
+    if (byteLen == 0) return NLS_OK;
+    const nls::Counted counted =
+        nls::countChars(nls::Charset{*locale->attrib}, nls::ByteView{s, nls::boundedLength(s, byteLen)});
+    *chars = counted.count;
+    return counted.status;
+}
+
+nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock*, const unsigned char* s, int32_t charCount, nlsStr* rec) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    if (s == nullptr || rec == nullptr) return NLS_BAD_ARG;
+    const nls::Counted counted = bytesOfChars(locale, s, charCount);
+    if (counted.status != NLS_OK) return counted.status;
+    return nls::replaceText(*rec, s, counted.count);
+}
+
+// ---- Names of charsets ----
+
+namespace {
+
+// The look-up under a locale's folding collation. No locale carries a collation that compares yet, so each answers as
+// one without a collation does.
+nlsStatus canonicalUnderLocale(const nlsLocale* locale) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    return locale->attrib == nullptr ? NLS_NO_ATTRIB : NLS_BAD_COLLATION;
+}
+
+}  // namespace
+
+nlsStatus nlsGetOSCharset(char* name) {
+    if (name == nullptr) return NLS_BAD_ARG;
+    std::strcpy(name, "ISO8859-1");
+    return NLS_OK;
+}
+
+nlsStatus nlsGetZelCharset(const void* useLocale, const nlsLocale* locale, const char* name, char* canonical) {
+    if (name == nullptr || canonical == nullptr) return NLS_BAD_ARG;
+    if (useLocale != nullptr) return canonicalUnderLocale(locale);
+    const char* const found = nls::canonicalCharsetName(name);
+    if (found == nullptr) return NLS_END_OF_STRING;
+    std::strcpy(canonical, found);
+    return NLS_OK;
+}
