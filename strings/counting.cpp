@@ -1,6 +1,6 @@
 // One walk by trail counts, which takes 64 bytes at once where the charset's table and the text allow it: whole blocks
 // of ASCII, and in UTF-8 whole blocks of plain characters. The table is looked through first, since any table is legal;
-// that costs as much as some tens of characters, so short text goes character by character.
+// that costs as much as some ten characters, so text of less than a block goes character by character.
 #include "strings/counting.hpp"
 
 #include <algorithm>
@@ -11,8 +11,6 @@
 
 namespace nls {
 namespace {
-
-constexpr std::size_t longText = 128;
 
 // What a charset's trail counts let a walk take at once.
 enum class Stride {
@@ -42,7 +40,7 @@ bool countsAsUtf8(const Charset& charset) {
 }
 
 Stride strideOf(const Charset& charset, std::size_t length) {
-    if (length < longText || anyTrail(charset, 0, 0x7F) != 0) return Stride::character;
+    if (length < blockSize || anyTrail(charset, 0, 0x7F) != 0) return Stride::character;
     if (anyTrail(charset, 0x80, 0xFF) == 0) return Stride::byte;
     return charset.isUtf8() && countsAsUtf8(charset) ? Stride::utf8 : Stride::ascii;
 }
