@@ -1,5 +1,5 @@
-// The checks of an object, in the order that is part of the interface: the handle behind it (13), then the object (24 or
-// 26), then its attribute table (27) where an operation needs one. A null object fails the first of them.
+// The checks of an object, in the order that is part of the interface: the handle behind it (13), then the object (24
+// or 26), then its attribute table (27) where an operation needs one. A null object fails the first of them.
 #pragma once
 
 #include "nls/records.h"

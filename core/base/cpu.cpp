@@ -18,7 +18,9 @@ Registers cpuid(unsigned leaf) {
     return r;
 }
 
-constexpr bool hasBits(uint64_t word, uint64_t bits) { return (word & bits) == bits; }
+constexpr bool hasBits(uint64_t word, uint64_t bits) {
+    return (word & bits) == bits;
+}
 
 // The registers that the operating system saves for each thread.
 uint64_t enabledState() {
@@ -36,8 +38,7 @@ CpuLevel askProcessor() {
     if (!hasBits(state, 0x06) || !hasBits(extended.ebx, kBmi1 | kAvx2 | kBmi2)) return CpuLevel::baseline;
     constexpr unsigned kF = 1U << 16, kDq = 1U << 17, kBw = 1U << 30, kVl = 1U << 31;
     constexpr unsigned kVbmi = 1U << 1, kVbmi2 = 1U << 6;
-    if (!hasBits(state, 0xE6) || !hasBits(extended.ebx, kF | kDq | kBw | kVl) ||
-        !hasBits(extended.ecx, kVbmi | kVbmi2))
+    if (!hasBits(state, 0xE6) || !hasBits(extended.ebx, kF | kDq | kBw | kVl) || !hasBits(extended.ecx, kVbmi | kVbmi2))
         return CpuLevel::avx2;
     return CpuLevel::avx512;
 }

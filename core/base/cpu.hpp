@@ -1,9 +1,9 @@
 // Which instructions the wide loops may use, asked once in a process.
 //
 // The library is compiled for plain x86-64 (SSE2). A function that needs more is marked with one of the macros below,
-// stands in a file named *_avx2.cpp or *_avx512.cpp, and is reached by a test of cpuLevel() at the start of a call, never
-// inside a loop. What is inlined into such a function carries the same mark, so that no wide instruction leaks into code
-// that runs anywhere.
+// stands in a file named *_avx2.cpp or *_avx512.cpp, and is reached by a test of cpuLevel() at the start of a call,
+// never inside a loop. What is inlined into such a function carries the same mark, so that no wide instruction leaks
+// into code that runs anywhere.
 #pragma once
 
 #include <cstdint>

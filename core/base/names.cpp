@@ -10,7 +10,8 @@ namespace nls {
 namespace {
 
 // The table's entry for the byte taken as a signed value, cut to its low byte. A Turkish locale maps "i" to a dotted
-// capital that doesn't fit a byte of UTF-8, and leaves it alone; in an 8-bit Turkish locale "i" and "I" are two letters.
+// capital that doesn't fit a byte of UTF-8, and leaves it alone; in an 8-bit Turkish locale "i" and "I" are two
+// letters.
 signed char upperCase(const int32_t* table, char byte) {
     return static_cast<signed char>(table[static_cast<signed char>(byte)]);
 }

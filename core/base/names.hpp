@@ -10,7 +10,9 @@ namespace nls {
 // locale, and blanks at the end of either name don't count.
 int compareNames(const char* a, const char* b);
 
-inline bool sameName(const char* a, const char* b) { return compareNames(a, b) == 0; }
+inline bool sameName(const char* a, const char* b) {
+    return compareNames(a, b) == 0;
+}
 
 // Copies `name` up to its NUL and at most `room` - 1 bytes of it, and closes the copy with a NUL. REQUIRES: room > 0.
 void copyName(char* target, std::size_t room, const char* name);

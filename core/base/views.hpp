@@ -1,8 +1,7 @@
 // Views on bytes: a pointer and its end travel together from the door inwards.
 //
-// ByteView reads, ByteSpan writes. ByteReader and ByteWriter are cursors that know their room: the writer answers "full"
-// instead of overrunning, so that room is checked in one place.
-// Tested by tests/core/base_test.cpp.
+// ByteView reads, ByteSpan writes. ByteReader and ByteWriter are cursors that know their room: the writer answers
+// "full" instead of overrunning, so that room is checked in one place. Tested by tests/core/base_test.cpp.
 #pragma once
 
 #include <cstddef>

@@ -67,26 +67,26 @@ struct nlsBufferRec {
 /* A thread's own block, in that thread's memory, aligned to 8: 40 bytes. Every operation on a locale or a conversion
    takes one as its second argument and accepts null. */
 struct nlsTlsBlock {
-    uint64_t ownerWord; /*  0: the caller's, stored and not read */
-    uint64_t reserved;  /*  8: zero */
+    uint64_t ownerWord;  /*  0: the caller's, stored and not read */
+    uint64_t reserved;   /*  8: zero */
     nlsIcuInfo* icuColl; /* 16: the ICU collation for which `collator` was opened */
-    uint64_t collator;  /* 24: 0 when there is none */
-    int32_t icuStatus;  /* 32: last ICU error code of the opening */
+    uint64_t collator;   /* 24: 0 when there is none */
+    int32_t icuStatus;   /* 32: last ICU error code of the opening */
 };
 
 /* A charset, a collation and a case table, bound by name: 152 bytes. */
 struct nlsLocale {
     nlsHdr hdr;
-    nlsHandle* owner;            /*  24 */
-    nlsAttribStruct* attrib;     /*  32: always set on a finished locale */
-    nlsCollStruct* coll;         /*  40: null when collationName is empty */
-    nlsCaseStruct* caseTable;    /*  48: null when caseName is empty */
+    nlsHandle* owner;               /*  24 */
+    nlsAttribStruct* attrib;        /*  32: always set on a finished locale */
+    nlsCollStruct* coll;            /*  40: null when collationName is empty */
+    nlsCaseStruct* caseTable;       /*  48: null when caseName is empty */
     unsigned char* dbCollationName; /* 56: database locales alone: the collation string, inside their block */
-    char charsetName[20];        /*  64: at most 19 characters and a NUL */
-    char collationName[32];      /*  84: at most 31 characters and a NUL; empty for none */
-    char caseName[20];           /* 116: at most 19 characters and a NUL; empty for none */
-    uint32_t dbBlockSize;        /* 136: 0 in the arena; not 0 marks a database locale, and is the size of its block */
-    nlsWbTable* wordBreak;       /* 144: database locales alone */
+    char charsetName[20];           /*  64: at most 19 characters and a NUL */
+    char collationName[32];         /*  84: at most 31 characters and a NUL; empty for none */
+    char caseName[20];              /* 116: at most 19 characters and a NUL; empty for none */
+    uint32_t dbBlockSize;  /* 136: 0 in the arena; not 0 marks a database locale, and is the size of its block */
+    nlsWbTable* wordBreak; /* 144: database locales alone */
 };
 
 /* A pair of locales and the table from the charset of the first to that of the second: 48 bytes. */
@@ -99,11 +99,11 @@ struct nlsConversion {
 
 /* One record of the table of contents: 64 bytes. */
 struct nlsTocEntry {
-    char name1[20];     /*  0: a charset; the source charset of a conversion */
-    char name2[20];     /* 20: the target charset, the collation's or the case table's name */
-    uint32_t offset;    /* 40: where the data stands, in bytes from the start of the file; 0 = none (conversions alone) */
-    uint16_t subKind;   /* 44 */
-    int16_t rawByte;    /* 46: 0 to 255: flags of a charset, type of a conversion, kind of a case table */
+    char name1[20];   /*  0: a charset; the source charset of a conversion */
+    char name2[20];   /* 20: the target charset, the collation's or the case table's name */
+    uint32_t offset;  /* 40: where the data stands, in bytes from the start of the file; 0 = none (conversions alone) */
+    uint16_t subKind; /* 44 */
+    int16_t rawByte;  /* 46: 0 to 255: flags of a charset, type of a conversion, kind of a case table */
     uint16_t entryType; /* 48: 1 conversion, 2 attribute table, 3 case table, 4 collation */
     void* data;         /* 56: the loaded object; null until it is loaded, and then unchanged */
 };

@@ -17,7 +17,7 @@ TEST(Names, FoldCaseAndForgetTrailingBlanks) {
         const char* b;
         int order;
     } rows[] = {
-        {"abc", "ABC  ", 0}, {"ABC  ", "abc", 0}, {"", "   ", 0},      {"ABC", "ABCD", -1},
+        {"abc", "ABC  ", 0}, {"ABC  ", "abc", 0}, {"", "   ", 0},       {"ABC", "ABCD", -1},
         {"ABCD", "ABC", 1},  {"ABC X", "ABC", 1}, {"ABC", "ABC X", -1}, {"A B", "AB", -1},
         {"\x80", "A", -1},   {"A", "\xFF", 1},    {"A\t", "A", 1},
     };
@@ -37,9 +37,22 @@ TEST(DecimalField, ReadsAFieldOfFixedWidth) {
         const char* text;
         int32_t width, value;
     } rows[] = {
-        {"  42", 4, 42}, {"4242", 2, 42},     {"12a4", 4, 12}, {"-7", 2, -7},          {"    ", 4, 0},  {"+", 1, 0},
-        {"+-5", 3, 0},   {"\n\t 8", 4, 8},    {"7", 0, 0},     {"7", -3, 0},           {"a", 1, 0},     {"- 7", 3, 0},
-        {" 7", 1, 0},    {"4294967297", 10, 1}, {"-2147483648", 11, INT32_MIN}, {"2147483648", 10, INT32_MIN},
+        {"  42", 4, 42},
+        {"4242", 2, 42},
+        {"12a4", 4, 12},
+        {"-7", 2, -7},
+        {"    ", 4, 0},
+        {"+", 1, 0},
+        {"+-5", 3, 0},
+        {"\n\t 8", 4, 8},
+        {"7", 0, 0},
+        {"7", -3, 0},
+        {"a", 1, 0},
+        {"- 7", 3, 0},
+        {" 7", 1, 0},
+        {"4294967297", 10, 1},
+        {"-2147483648", 11, INT32_MIN},
+        {"2147483648", 10, INT32_MIN},
     };
     for (const auto& row : rows) EXPECT_EQ(nls::readDecimal(row.text, row.width), row.value) << row.text;
 }
