@@ -1,0 +1,166 @@
+#include "conversion/engine.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "conversion/byte_map.hpp"
+#include "conversion/change_check.hpp"
+#include "conversion/conv_type.hpp"
+#include "conversion/converted.hpp"
+#include "conversion/sbcs_bridge.hpp"
+#include "conversion/unicode_transforms.hpp"
+#include "nls/status.h"
+
+namespace nls {
+
+namespace {
+
+constexpr EngineAnswer kRefused{NLS_BAD_ARG, false, 0};
+
+bool complete(nlsStatus status) {
+    return status == NLS_OK || status == NLS_CONV_SUBST;
+}
+
+bool inPlace(const Conversion& text) {
+    return text.target.data() == text.source.data();
+}
+
+// 10xxxxxx: no character of UTF-8 starts so.
+bool startsInsideCharacter(ByteView utf8) {
+    return (utf8[0] & 0xC0) == 0x80;
+}
+
+ByteView outputOf(const Conversion& text, uint32_t length) {
+    return text.target.first(std::min<std::size_t>(length, text.target.size()));
+}
+
+// --- What `check` makes of an answer ---
+
+// Both sides are bytes of a charset: they differ or not.
+EngineAnswer compared(const Conversion& text, Converted answer) {
+    const bool changed =
+        text.check && answer.status == NLS_OK && differsAsString(outputOf(text, answer.length), text.source);
+    return {changed ? NLS_CONV_CHANGED : answer.status, true, answer.length};
+}
+
+// --- The types ---
+
+EngineAnswer copyText(const Conversion& text) {
+    const std::size_t count = std::min(text.source.size(), text.target.size());
+    if (count != 0) std::memmove(text.target.data(), text.source.data(), count);
+    return {count == text.source.size() ? NLS_OK : NLS_BUF_SMALL, true, static_cast<uint32_t>(count)};
+}
+
+EngineAnswer withoutHandler(const Conversion& text) {
+    if (!text.target.empty()) text.target[0] = 0;
+    return {NLS_OK, false, 0};
+}
+
+EngineAnswer throughByteMap(const ByteMapTable& table, const Conversion& text) {
+    if (text.source.size() > text.target.size()) return {NLS_BUF_SMALL, true, 0};
+    const bool changed = mapBytes(table.map, text.source.data(), text.source.size(), text.target.data());
+    return {text.check && changed ? NLS_CONV_CHANGED : NLS_OK, true, static_cast<uint32_t>(text.source.size())};
+}
+
+EngineAnswer inTwoSteps(ConvTable table, const Conversion& text) {
+    if ((text.check && inPlace(text)) || text.scratch.empty()) return kRefused;
+    const EngineAnswer first = convert(table.firstStep(), {text.scratch, text.source, {}});
+    if (!complete(first.status)) return first;
+    const ByteView middle = text.scratch.first(std::min<std::size_t>(first.length, text.scratch.size()));
+    EngineAnswer second = convert(table.secondStep(), {text.target, middle, {}});
+    if (!second.counted) second = {second.status, first.counted, first.length};
+    if (text.check && complete(second.status) && differsAsString(outputOf(text, second.length), text.source))
+        second.status = NLS_CONV_CHANGED;
+    return second;
+}
+
+EngineAnswer fromSbcs(ConvTable table, const Conversion& text) {
+    if (text.check && inPlace(text)) return kRefused;
+    return compared(text, sbcsToUtf8(table.sbcsWords(), text.source, text.target));
+}
+
+EngineAnswer toSbcs(ConvTable table, const Conversion& text) {
+    if ((text.check && inPlace(text)) || startsInsideCharacter(text.source)) return kRefused;
+    return compared(text, utf8ToSbcs(table.sbcsPages(), text.source, text.target));
+}
+
+using Transform = Transformed (*)(ByteView source, ByteSpan target, ByteOrder order);
+
+// Both sides are forms of Unicode: any output is a change.
+EngineAnswer through(Transform transform, ConvTable table, const Conversion& text) {
+    const Transformed done = transform(text.source, text.target, {table.swapsSource(), table.swapsTarget()});
+    const bool changed = text.check && done.status == NLS_OK && done.written != 0;
+    return {changed ? NLS_CONV_CHANGED : done.status, true, static_cast<uint32_t>(done.written)};
+}
+
+EngineAnswer fromUtf8Through(Transform transform, ConvTable table, const Conversion& text) {
+    return startsInsideCharacter(text.source) ? kRefused : through(transform, table, text);
+}
+
+// REQUIRES: the type has a handler, and the source isn't empty.
+EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
+    switch (type) {
+        case ConvType::byteMap:
+            return throughByteMap(table.byteMap(), text);
+        case ConvType::unicodeToIcu:
+        case ConvType::icuToUnicode:
+            return {NLS_NO_CONV_TABLE, false, 0};  // no ICU is bound yet
+        case ConvType::twoStep:
+            return inTwoSteps(table, text);
+        case ConvType::sbcsToUtf8:
+        case ConvType::sbcsToUtf8Short:
+            return fromSbcs(table, text);
+        case ConvType::utf8ToSbcs:
+            return toSbcs(table, text);
+        default:
+            return withoutHandler(text);
+    }
+}
+
+}  // namespace
+
+EngineAnswer convert(ConvTable table, const Conversion& text) {
+    if (table.isNull()) return copyText(text);
+    const ConvType type = table.type();
+    if (!rowOf(type).known || type == ConvType::identity) return withoutHandler(text);
+    if (text.source.empty()) return {NLS_OK, true, 0};
+    return byType(type, table, text);
+}
+
+namespace {
+
+// A character as its bytes, first byte first, without leading zero bytes; one byte at least.
+struct CharacterBytes {
+    unsigned char bytes[4];
+    std::size_t count;
+};
+
+CharacterBytes spelledOut(nlsLChar value) {
+    CharacterBytes character{};
+    character.count = value == 0 ? 1 : (static_cast<std::size_t>(std::bit_width(value)) + 7) / 8;
+    for (std::size_t i = 0; i < character.count; ++i)
+        character.bytes[i] = static_cast<unsigned char>(value >> (8 * (character.count - 1 - i)));
+    return character;
+}
+
+nlsLChar readBack(const unsigned char* bytes, std::size_t count) {
+    nlsLChar value = 0;
+    for (std::size_t i = 0; i < count; ++i) value = value << 8 | bytes[i];
+    return value;
+}
+
+}  // namespace
+
+ConvertedCharacter convertCharacter(ConvTable table, nlsLChar value) {
+    if (table.isNull()) return {NLS_OK, true, value};
+    CharacterBytes character = spelledOut(value);
+    const ByteSpan target{character.bytes};
+    const EngineAnswer answer = convert(table, {target, ByteView{target}.first(character.count), {}});
+    if (!answer.counted || answer.length < 1 || answer.length > 4) return {NLS_BAD_ARG, false, 0};
+    const bool codePoint = table.type() == ConvType::utf8ToUcs4 && !table.swapsTarget();
+    if (codePoint && answer.length == 4) return {answer.status, true, loadWord<uint32_t>(character.bytes)};
+    return {answer.status, true, readBack(character.bytes, answer.length)};
+}
+
+}  // namespace nls
