@@ -100,22 +100,26 @@ EngineAnswer fromUtf8Through(Transform transform, ConvTable table, const Convers
 
 // REQUIRES: the type has a handler, and the source isn't empty.
 EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
+    // clang-format off
     switch (type) {
-        case ConvType::byteMap:
-            return throughByteMap(table.byteMap(), text);
+        case ConvType::byteMap:         return throughByteMap(table.byteMap(), text);
         case ConvType::unicodeToIcu:
-        case ConvType::icuToUnicode:
-            return {NLS_NO_CONV_TABLE, false, 0};  // no ICU is bound yet
-        case ConvType::twoStep:
-            return inTwoSteps(table, text);
+        case ConvType::icuToUnicode:    return {NLS_NO_CONV_TABLE, false, 0};  // no ICU is bound yet
+        case ConvType::twoStep:         return inTwoSteps(table, text);
         case ConvType::sbcsToUtf8:
-        case ConvType::sbcsToUtf8Short:
-            return fromSbcs(table, text);
-        case ConvType::utf8ToSbcs:
-            return toSbcs(table, text);
-        default:
-            return withoutHandler(text);
+        case ConvType::sbcsToUtf8Short: return fromSbcs(table, text);
+        case ConvType::utf8ToSbcs:      return toSbcs(table, text);
+        case ConvType::ucs2ToUtf8:
+        case ConvType::utf16ToUtf8:     return through(ucs2ToUtf8, table, text);
+        case ConvType::utf8ToUcs2:
+        case ConvType::utf8ToUtf16:     return fromUtf8Through(utf8ToUcs2, table, text);
+        case ConvType::ucs4ToUtf8:      return through(ucs4ToUtf8, table, text);
+        case ConvType::utf8ToUcs4:      return fromUtf8Through(utf8ToUcs4, table, text);
+        case ConvType::utf16ToUcs4:     return through(utf16ToUcs4, table, text);
+        case ConvType::ucs4ToUtf16:     return through(ucs4ToUtf16, table, text);
+        default:                        return withoutHandler(text);
     }
+    // clang-format on
 }
 
 }  // namespace
