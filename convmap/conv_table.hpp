@@ -71,6 +71,37 @@ struct ByteMapTable {
     unsigned char map[256];
 };
 
+// What stands behind the type word. A table is never made with less than its readers read.
+enum class TableBlock { none, byteMap, icuConverter, twoSteps, dbcs, sbcsWords, sbcsPages, innerTable };
+
+constexpr TableBlock blockOf(ConvType type) {
+    switch (type) {
+        case ConvType::byteMap:
+            return TableBlock::byteMap;
+        case ConvType::unicodeToIcu:
+        case ConvType::icuToUnicode:
+            return TableBlock::icuConverter;
+        case ConvType::twoStep:
+            return TableBlock::twoSteps;
+        case ConvType::dbcsToUtf8:
+        case ConvType::dbcsToUtf8Long:
+        case ConvType::dbcsToUtf8Longest:
+        case ConvType::utf8ToDbcs:
+        case ConvType::utf8ToDbcsShort:
+            return TableBlock::dbcs;
+        case ConvType::sbcsToUtf8:
+        case ConvType::sbcsToUtf8Short:
+            return TableBlock::sbcsWords;
+        case ConvType::utf8ToSbcs:
+            return TableBlock::sbcsPages;
+        case ConvType::dbcsToUtf16:
+        case ConvType::utf16ToDbcs:
+            return TableBlock::innerTable;
+        default:
+            return TableBlock::none;
+    }
+}
+
 class ConvTable {
 public:
     static constexpr uint32_t kSwapSource = 0x080, kSwapTarget = 0x200;
@@ -82,9 +113,8 @@ public:
     const nlsConvTable* raw() const { return table_; }
 
     // The type with its order bits cleared; null is the identity, and a word above 1599 a byte map.
-    ConvType type() const {
-        if (isNull()) return ConvType::identity;
-        const int64_t word = typeWord();
+    ConvType type() const { return isNull() ? ConvType::identity : typeOfWord(typeWord()); }
+    static constexpr ConvType typeOfWord(int64_t word) {
         if (word > kLastTypeWord) return ConvType::byteMap;
         return ConvType{static_cast<int16_t>(static_cast<uint16_t>(word) & kTypeMask)};
     }

@@ -35,6 +35,13 @@ int compareNames(const char* a, const char* b) {
     return upperCase(table, *b) < upperCase(table, *a) ? 1 : -1;
 }
 
+bool beginsWith(const char* name, const char* prefix) {
+    const int32_t* const table = *__ctype_toupper_loc();
+    for (; *prefix != '\0'; ++name, ++prefix)
+        if (upperCase(table, *name) != upperCase(table, *prefix)) return false;
+    return true;
+}
+
 void copyName(char* target, std::size_t room, const char* name) {
     const std::size_t length = strnlen(name, room - 1);
     std::memcpy(target, name, length);

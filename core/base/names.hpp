@@ -14,6 +14,9 @@ inline bool sameName(const char* a, const char* b) {
     return compareNames(a, b) == 0;
 }
 
+// Does `name` begin with `prefix`, case folded as above? Blanks count.
+bool beginsWith(const char* name, const char* prefix);
+
 // Copies `name` up to its NUL and at most `room` - 1 bytes of it, and closes the copy with a NUL. REQUIRES: room > 0.
 void copyName(char* target, std::size_t room, const char* name);
 

@@ -1,5 +1,7 @@
 #include "core/base/process_state.hpp"
 
+#include "nls/handle.h"
+
 namespace nls {
 
 ProcessState processState;

@@ -1,9 +1,8 @@
-// Every object of the library that changes and lives outside a handle.
+// Every object of the library that changes and lives outside a handle. One more, nlsTemporaryVers, is exported and
+// declared in nls/handle.h; it is defined beside this one.
 #pragma once
 
 #include <cstdint>
-
-#include "nls/base.h"
 
 namespace nls {
 
@@ -14,8 +13,3 @@ struct ProcessState {
 extern ProcessState processState;
 
 }  // namespace nls
-
-NLS_BEGIN_DECLS
-// Version field of the last data-file header that was read, accepted or not.
-extern NLS_API uint32_t nlsTemporaryVers;
-NLS_END_DECLS

@@ -1,0 +1,71 @@
+// Door: the loaders of attribute and conversion tables.
+#include "convmap/attrib_table.hpp"
+#include "convmap/conv_table_load.hpp"
+#include "convmap/inverse_table.hpp"
+#include "convmap/ucs2_maps.hpp"
+#include "convmap/utf8_tables.hpp"
+#include "core/base/checks.hpp"
+#include "nls/inner.h"
+
+namespace {
+
+// Hands out what there is, also of an object that isn't finished.
+template <typename Object>
+nlsStatus handOut(nls::Loaded<Object> loaded, Object** out) {
+    if (loaded.object != nullptr) *out = loaded.object;
+    return loaded.status;
+}
+
+// Null is a table too: the identity.
+nlsStatus handOutFinished(nls::Loaded<nlsConvTable> loaded, nlsConvTable** out) {
+    if (loaded.status == NLS_OK) *out = loaded.object;
+    return loaded.status;
+}
+
+}  // namespace
+
+nlsStatus nlsGetAttribStructPtr(nlsHandle* handle, const char* charset, nlsAttribStruct** attrib) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    return handOut(nls::loadAttributes(nls::loadContextOf(*handle), charset), attrib);
+}
+
+nlsStatus nlsGetConvTablePtr(nlsHandle* handle, const char* from, const char* to, uint32_t options,
+                             nlsConvTable** table) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    return handOutFinished(nls::loadConvTable(nls::loadContextOf(*handle), {from, to}, nls::LoadOptions{options & 1}),
+                           table);
+}
+
+nlsStatus get2StepConvTablePtr(nlsHandle* handle, const char* from, const char* to, uint32_t refuse,
+                               nlsConvTable** table) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    constexpr nlsStatus kNoWay = 1;  // of every failure; this operation has no other number
+    if (refuse != 0) return kNoWay;
+    const nls::Loaded<nlsConvTable> made = nls::makeTwoStepTable(nls::loadContextOf(*handle), {from, to});
+    return made.status == NLS_OK ? handOutFinished(made, table) : kNoWay;
+}
+
+nlsStatus insertInverseStruct(nlsHandle* handle, const char* from, const char* to, const void* body, uint32_t length) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    const nls::ByteView block{static_cast<const unsigned char*>(body), length};
+    return nls::installInverse(nls::loadContextOf(*handle), {from, to}, block);
+}
+
+nlsStatus readUCS2Data(nlsHandle* handle, const char* charset, const char* other, void* maps) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    const nls::ReadMaps read = nls::readUcs2Maps(nls::loadContextOf(*handle), {charset, other});
+    if (read.status == NLS_OK) std::memcpy(maps, read.maps, sizeof read.maps);
+    return read.status;
+}
+
+nlsStatus getUCS2Data(nlsHandle* handle, const char* from, const char* to, int64_t type, nlsConvTable** table) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    return handOut(nls::loadDbcsTables(nls::loadContextOf(*handle), {from, to}, type), table);
+}
+
+nlsStatus computeUtf8TableData(nlsHandle* handle, const char* from, const char* to, int64_t type, const uint16_t* units,
+                               nlsConvTable** table) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    const nls::ByteView bytes{reinterpret_cast<const unsigned char*>(units), 256 * sizeof *units};
+    return handOut(nls::buildSbcsTables(nls::loadContextOf(*handle), {from, to}, type, bytes), table);
+}
