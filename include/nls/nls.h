@@ -10,6 +10,7 @@
 
 /* Text under a locale. */
 #include "nls/chars.h"
+#include "nls/convert.h"
 #include "nls/strings.h"
 
 /* What the conversions between Unicode forms come down to; an ordinary caller converts through a conversion object. */

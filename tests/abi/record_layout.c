@@ -1,5 +1,5 @@
-/* The records of the interface as a C11 compiler lays them out: size of each, offset of every field that others store. A
-   record that moved doesn't compile here, whatever C++ says of it. */
+/* The records of the interface as a C11 compiler lays them out: size of each, offset of every field that others store.
+   A record that moved doesn't compile here, whatever C++ says of it. */
 #include <nls/records.h>
 
 #define SIZE(record, bytes) _Static_assert(sizeof(record) == (bytes), #record " has another size")
