@@ -6,6 +6,13 @@ set(NLS_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/nls)
 
 install(TARGETS nls EXPORT nlsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/nls TYPE INCLUDE)
+if(NLS_TOOLS)
+  # The tools find libnls.so beside themselves, wherever the tree is moved.
+  file(RELATIVE_PATH library_from_bin /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(mkconvmap PROPERTIES INSTALL_RPATH "$ORIGIN/${library_from_bin}")
+  install(TARGETS mkconvmap RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${NLS_CONVMAP} DESTINATION ${NLS_INSTALL_DATADIR})
+endif()
 install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 configure_package_config_file(cmake/nlsConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/nlsConfig.cmake

@@ -26,7 +26,8 @@ ARROWS = {
     "chars": {"include", "core/base"},
     "conversion": {"include", "core/base", "convmap/conv_table.hpp"},
     "strings": {"include", "core/base", "chars"},
-    "tools": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp"},
+    "tools/mkconvmap": CLIENT | {"core/base", "convmap"},
+    "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
     "bench": CLIENT | {"core/base/cpu.hpp"},
     "fuzz": CLIENT | {"core/base", "tests/support"},
 }
@@ -43,11 +44,9 @@ def sources():
 
 
 def folder_of(name):
-    if name.startswith("core/base/"):
-        return "core/base"
-    for tests in CLIENT_TESTS:
-        if name.startswith(tests + "/"):
-            return tests
+    for folder in [*CLIENT_TESTS, *(known for known in ARROWS if "/" in known)]:
+        if name.startswith(folder + "/"):
+            return folder
     return name.split("/")[0]
 
 
@@ -112,18 +111,19 @@ def door_faults(names):
 
 
 def calls(text, exported):
-    """(match, inside a body) of each exported name in front of a bracket."""
-    token = re.compile(r'extern\s*\{|namespace[\w:\s]*\{|\{|\}|\b[A-Za-z_]\w*(?=\s*\()')
-    open_braces = []  # True for a brace that opens a body
+    """(match, inside a body) of each exported name in front of a bracket; members of the same name are no doors."""
+    token = re.compile(r'(?:extern|namespace|class|struct)\b[^;{}()]*\{|\{|\}|(?:\.|->)?\b[A-Za-z_]\w*(?=\s*\()')
+    open_braces = []  # what each brace opens: a body, or a scope of declarations
     for match in token.finditer(text):
         found = match.group(0)
         if found.endswith("{"):
-            open_braces.append(found == "{")
+            scope = re.match(r"\w+", found)
+            open_braces.append(scope.group(0) if scope else "body")
         elif found == "}":
             if open_braces:
                 open_braces.pop()
-        elif found in exported:
-            yield match, any(open_braces)
+        elif found in exported and "class" not in open_braces and "struct" not in open_braces:
+            yield match, "body" in open_braces
 
 
 def cycle(graph):

@@ -13,6 +13,7 @@ The reader shares no code with the library: what both agree on is what the page 
 """
 import argparse
 import json
+import signal
 import struct
 import subprocess
 import sys
@@ -489,4 +490,5 @@ def main():
 
 
 if __name__ == "__main__":
+    signal.signal(signal.SIGPIPE, signal.SIG_DFL)  # a reader such as head may leave early
     sys.exit(main())

@@ -8,12 +8,17 @@
 
 #include "nls/records.h"
 
-/* Text under a locale. */
+/* Opening a data file, and making objects from it. */
+#include "nls/handle.h"
+#include "nls/objects.h"
+
+/* Text under a locale, and from one charset to another. */
 #include "nls/chars.h"
 #include "nls/convert.h"
 #include "nls/strings.h"
 
-/* What the conversions between Unicode forms come down to; an ordinary caller converts through a conversion object. */
+/* What conversions come down to, and what older callers know. An ordinary caller does without. */
+#include "nls/inner.h"
 #include "nls/transforms.h"
 
 #endif

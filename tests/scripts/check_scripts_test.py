@@ -37,6 +37,9 @@ FAULTS = [
     ("a door called from a room", INCLUDES, {"core/room.hpp": "inline int room() { return shut(); }\n"}, "calls the door"),
     ("a door called from a door", INCLUDES, {"core/door.cpp": "extern \"C\" {\nint shut(void) { return open_(1, 0); }\n}\n"},
      "calls the door open_"),
+    ("a member with a door's name, in order", INCLUDES, {
+        "core/room.hpp": "class Box {\npublic:\n    int shut() const { return 1; }\n};\n"
+                         "inline int room() { return Box{}.shut(); }\n"}, None),
     ("a door included", INCLUDES, {"core/x.cpp": '#include "core/door.cpp"\n'}, "includes the door"),
     ("a test in the product", INCLUDES, {"core/x.cpp": '#include "tests/t.hpp"\n', "tests/t.hpp": "\n"}, "a test"),
     ("a header that isn't there", INCLUDES, {"core/x.cpp": '#include "core/none.hpp"\n'}, "isn't in the project"),
