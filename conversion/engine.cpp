@@ -8,6 +8,8 @@
 #include "conversion/change_check.hpp"
 #include "conversion/conv_type.hpp"
 #include "conversion/converted.hpp"
+#include "conversion/dbcs_bridge.hpp"
+#include "conversion/jis.hpp"
 #include "conversion/sbcs_bridge.hpp"
 #include "conversion/unicode_transforms.hpp"
 #include "nls/status.h"
@@ -85,6 +87,36 @@ EngineAnswer toSbcs(ConvTable table, const Conversion& text) {
     return compared(text, utf8ToSbcs(table.sbcsPages(), text.source, text.target));
 }
 
+using Rule = Converted (*)(ByteView source, ByteSpan target);
+
+EngineAnswer byRule(Rule rule, const Conversion& text) {
+    if (text.check && inPlace(text)) return kRefused;
+    return compared(text, rule(text.source, text.target));
+}
+
+// One side is a multi-byte charset, the other a form of Unicode: any output is a change.
+EngineAnswer bridged(const Conversion& text, Converted answer) {
+    const bool changed = text.check && complete(answer.status) && answer.length != 0;
+    return {changed ? NLS_CONV_CHANGED : answer.status, true, answer.length};
+}
+
+EngineAnswer fromDbcs(ConvTable table, const Conversion& text) {
+    return bridged(text, dbcsToUtf8(table.dbcs(), text.source, text.target));
+}
+
+EngineAnswer toDbcs(ConvTable table, const Conversion& text) {
+    if (startsInsideCharacter(text.source)) return kRefused;
+    return bridged(text, utf8ToDbcs(table.dbcs(), text.source, text.target));
+}
+
+EngineAnswer dbcsToUnits(ConvTable table, const Conversion& text) {
+    return bridged(text, dbcsToUtf16(table.inner().dbcs(), table.swapsTarget(), text.source, text.target));
+}
+
+EngineAnswer unitsToDbcs(ConvTable table, const Conversion& text) {
+    return bridged(text, utf16ToDbcs(table.inner().dbcs(), table.swapsSource(), text.source, text.target));
+}
+
 using Transform = Transformed (*)(ByteView source, ByteSpan target, ByteOrder order);
 
 // Both sides are forms of Unicode: any output is a change.
@@ -103,9 +135,16 @@ EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
     // clang-format off
     switch (type) {
         case ConvType::byteMap:         return throughByteMap(table.byteMap(), text);
+        case ConvType::sjisToEuc:       return byRule(sjisToEuc, text);
+        case ConvType::eucToSjis:       return byRule(eucToSjis, text);
         case ConvType::unicodeToIcu:
         case ConvType::icuToUnicode:    return {NLS_NO_CONV_TABLE, false, 0};  // no ICU is bound yet
         case ConvType::twoStep:         return inTwoSteps(table, text);
+        case ConvType::dbcsToUtf8:
+        case ConvType::dbcsToUtf8Long:
+        case ConvType::dbcsToUtf8Longest: return fromDbcs(table, text);
+        case ConvType::utf8ToDbcs:
+        case ConvType::utf8ToDbcsShort: return toDbcs(table, text);
         case ConvType::sbcsToUtf8:
         case ConvType::sbcsToUtf8Short: return fromSbcs(table, text);
         case ConvType::utf8ToSbcs:      return toSbcs(table, text);
@@ -117,6 +156,8 @@ EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
         case ConvType::utf8ToUcs4:      return fromUtf8Through(utf8ToUcs4, table, text);
         case ConvType::utf16ToUcs4:     return through(utf16ToUcs4, table, text);
         case ConvType::ucs4ToUtf16:     return through(ucs4ToUtf16, table, text);
+        case ConvType::dbcsToUtf16:     return dbcsToUnits(table, text);
+        case ConvType::utf16ToDbcs:     return unitsToDbcs(table, text);
         default:                        return withoutHandler(text);
     }
     // clang-format on

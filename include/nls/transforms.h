@@ -33,6 +33,7 @@
 #ifndef NLS_TRANSFORMS_H
 #define NLS_TRANSFORMS_H
 
+#include "nls/dbcs_transforms.h"
 #include "nls/records.h"
 
 NLS_BEGIN_DECLS

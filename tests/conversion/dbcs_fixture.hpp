@@ -1,0 +1,99 @@
+// What the tests of multi-byte charsets share: packed tables by name, hex, the levels of the processor, records with
+// wild fields, and arrays that end at a page that faults.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "core/base/cpu.hpp"
+#include "core/base/views.hpp"
+#include "tests/support/dbcs_pack.hpp"
+#include "tests/support/guarded_buffer.hpp"
+
+namespace nls::test {
+
+using Bytes = std::vector<unsigned char>;
+
+inline std::string hex(ByteView bytes) {
+    std::string text;
+    for (const unsigned char byte : bytes) {
+        text += "0123456789ABCDEF"[byte >> 4];
+        text += "0123456789ABCDEF"[byte & 15];
+    }
+    return text;
+}
+
+// Packed once in a run of the program.
+inline PackedDbcs& packedDbcs(const std::string& name) {
+    static std::map<std::string, std::unique_ptr<PackedDbcs>> all;
+    auto& packed = all[name];
+    if (packed == nullptr) packed = packDbcs(dbcsRecipe(name));
+    return *packed;
+}
+
+class EachLevel : public ::testing::TestWithParam<CpuLevel> {
+protected:
+    void SetUp() override { limitCpuLevel(GetParam()); }
+    void TearDown() override { limitCpuLevel(CpuLevel::avx512); }
+};
+inline const auto kLevels = ::testing::Values(CpuLevel::baseline, CpuLevel::avx2, CpuLevel::avx512);
+
+class Random {
+public:
+    explicit Random(unsigned seed) : engine_(seed) {}
+    unsigned below(unsigned bound) { return static_cast<unsigned>(engine_() % bound); }
+    unsigned char byte(unsigned first, unsigned last) {
+        return static_cast<unsigned char>(first + below(last - first + 1));
+    }
+    uint16_t word() { return static_cast<uint16_t>(engine_()); }
+    bool oneIn(unsigned n) { return below(n) == 0; }
+
+private:
+    std::mt19937 engine_;
+};
+
+// The three arrays of one map, each ending where reading ends the test.
+class GuardedArrays {
+public:
+    explicit GuardedArrays(nlsUcs2Map& map) {
+        map.cjisToUcs = moved(0, map.cjisToUcs, map.cjisCount);
+        map.ucsRows = moved(1, map.ucsRows, map.ucsRowCount);
+        map.ucsCells = moved(2, map.ucsCells, map.ucsCellCount);
+    }
+
+private:
+    uint16_t* moved(std::size_t index, const uint16_t* array, std::size_t count) {
+        if (array == nullptr) return nullptr;
+        buffers_[index] = std::make_unique<GuardedBuffer>(count * 2);
+        return reinterpret_cast<uint16_t*>(buffers_[index]->atEnd(array, count * 2));
+    }
+    std::unique_ptr<GuardedBuffer> buffers_[3];
+};
+
+// Changes some fields of a record to anything, as a data file of any origin may hold it. The arrays and their counts
+// stay: what the loader takes from the file always has the length that the counts tell.
+inline void mutate(nlsUcs2Map& map, Random& random) {
+    const auto any = [&](auto& field) {
+        constexpr unsigned kEdges[] = {0, 1, 0x7F, 0x80, 0xFF, 0x7FFF, 0x8000, 0xFFFF};
+        field = static_cast<std::remove_reference_t<decltype(field)>>(random.oneIn(2) ? kEdges[random.below(8)]
+                                                                                      : random.word());
+    };
+    const auto sometimes = [&](auto&... fields) { ((random.oneIn(6) ? any(fields) : void()), ...); };
+    sometimes(map.sjisZero, map.cjisBase, map.gapAfter, map.gapSize, map.ucsMin, map.ucsMax, map.rowShift,
+              map.valueShift, map.colMask, map.skipMask, map.rangesOnCjis, map.leadGap, map.trailGap2, map.trailGap3,
+              map.trailsPerRow, map.leadFirst1, map.leadLast1, map.leadFirst2, map.leadLast2, map.trailFirst1,
+              map.trailLast1, map.trailFirst2, map.trailLast2, map.trailFirst3, map.trailLast3);
+    for (nlsUcs2Range& range : map.ranges) {
+        if (!random.oneIn(8)) continue;
+        range = {random.word() * (1U + random.below(4)), random.word(), random.word() - random.below(0x8000U)};
+    }
+    if (random.oneIn(12)) map.ucsRows = nullptr;
+    if (random.oneIn(12)) map.ucsCells = nullptr;
+    if (random.oneIn(12)) map.cjisToUcs = nullptr;
+}
+
+}  // namespace nls::test
