@@ -194,13 +194,16 @@ protected:
     void TearDown() override { limitCpuLevel(CpuLevel::avx512); }
     PackedDbcs& packed = packedDbcs(std::get<0>(GetParam()));
 };
-INSTANTIATE_TEST_SUITE_P(Dbcs, Texts, ::testing::Combine(::testing::ValuesIn(dbcsRecipeNames()), kLevels));
+// Two ranges of trail bytes and single-byte kana; two and one; one, with Hangul as the dense block; plane 2.
+INSTANTIATE_TEST_SUITE_P(Dbcs, Texts,
+                         ::testing::Combine(::testing::Values("SHIFT-JIS", "CP936", "KSC5601", "CP950-HKSCS"),
+                                            kLevels));
 
 TEST_P(Texts, EveryLengthIntoEveryRoom) {
     Random random{21};
     Sweep sweep{packed, 256};
     for (const Bridge bridge : kBridges) {
-        for (std::size_t length = 0; length <= 64; ++length) {
+        for (std::size_t length = 0; length <= 64; length += length < 40 ? 1 : 3) {
             for (unsigned wildness = 0; wildness < 3; ++wildness) {
                 const Bytes text = madeText(bridge, packed, length, wildness, random);
                 const std::size_t enough = twin(bridge, packed.table(), false, text, 1000).bytes.size();
@@ -231,11 +234,11 @@ TEST_P(Texts, EveryAlignment) {
 
 TEST_P(Texts, LongTexts) {
     Random random{23};
-    Sweep sweep{packed, 70000};
+    Sweep sweep{packed, 40001};
     for (const Bridge bridge : kBridges) {
         for (unsigned wildness = 0; wildness < 3; ++wildness) {
-            for (const std::size_t length : {3000U, 20000U, 69999U})
-                sweep.expectTwin(bridge, madeText(bridge, packed, length, wildness, random), 200000);
+            for (const std::size_t length : {3000U, 40001U})
+                sweep.expectTwin(bridge, madeText(bridge, packed, length, wildness, random), 150000);
             if (HasFatalFailure()) return;
         }
     }
@@ -267,7 +270,7 @@ INSTANTIATE_TEST_SUITE_P(Dbcs, AnyRecord, kLevels);
 
 TEST_P(AnyRecord, NeverReadsOutsideAndAgrees) {
     Random random{24};
-    for (int i = 0; i < 120; ++i) {
+    for (int i = 0; i < 60; ++i) {
         const PackedDbcs& sound = packedDbcs(i % 3 == 0 ? "SHIFT-JIS" : i % 3 == 1 ? "CP936" : "CP950-HKSCS");
         PackedDbcs packed;
         packed.block = sound.block, packed.attrib = sound.attrib;
