@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "convmap/conv_table.hpp"
+#include "core/base/charset.hpp"
 #include "nls/handle.h"
 #include "nls/objects.h"
 #include "tools/mkconvmap/compile.hpp"
@@ -60,6 +61,12 @@ uint32_t readImage(uint32_t, uint32_t offset, void* buffer, uint32_t length) {
     return static_cast<uint32_t>(count);
 }
 
+const CompiledCharset& charsetNamed(const std::string& name) {
+    const auto& charsets = compiled().charsets;
+    const auto is = [&name](const CompiledCharset& charset) { return charset.source.name == name; };
+    return *std::find_if(charsets.begin(), charsets.end(), is);
+}
+
 // A handle whose locales stand in its block, so that an added buffer is left to the tables of one conversion.
 class Loaded {
 public:
@@ -79,6 +86,7 @@ public:
     Loaded& operator=(const Loaded&) = delete;
 
     nlsStatus status() const { return status_; }
+    const nlsAttribStruct& attrib() const { return *forth_->source->attrib; }
     ConvTable forth() const { return ConvTable{forth_->table}; }
     ConvTable back() const { return ConvTable{back_->table}; }
 
@@ -111,11 +119,35 @@ void expectReadsBack(const Row& row, const CompiledCharset& charset) {
     EXPECT_EQ(loaded.back().dbcs().maps[0].substChar, charset.multiByte->substChar) << row.name;
 }
 
+// What the attribute table says of bytes fits the codes: how long each is, what trails, and that no first byte counts
+// as a letter, which would make its character one byte long.
+TEST(Ucs2Load, AttributesFitTheCodes) {
+    for (const Row& row : kRows) {
+        const Loaded loaded(row.name, row.buffer);
+        ASSERT_EQ(loaded.status(), NLS_OK) << row.name;
+        const Charset attributes(loaded.attrib());
+        EXPECT_TRUE(attributes.isMultiByte() && !attributes.isSingleByte() && !attributes.isUtf8()) << row.name;
+        EXPECT_EQ(attributes.comparesViaSjis(), std::string{row.name} == "EUCJIS");
+        EXPECT_EQ(attributes.isCp936(), std::string{row.name} == "CP936");
+        for (const auto& [code, codePoint] : charsetNamed(row.name).multiByte->toUnicode) {
+            const auto first = static_cast<unsigned char>(code > 0xFF ? code >> 8 : code);
+            ASSERT_EQ(attributes.trailCount(first), code > 0xFF ? 1U : 0U) << row.name << " " << hexText(code, 4);
+            if (code <= 0xFF) continue;
+            ASSERT_TRUE(attributes.mayTrail(static_cast<unsigned char>(code))) << row.name << " " << hexText(code, 4);
+            ASSERT_FALSE(attributes.isLetter(first)) << row.name << " " << hexText(code, 4);
+        }
+        for (unsigned byte = 0; byte <= 0xFF; ++byte) {
+            const auto first = static_cast<unsigned char>(byte);
+            const bool isNarrow = (std::string{row.name} == "EUCJIS" && byte == 0x8E) ||
+                                  (std::string{row.name} == "ISO6937" && byte >= 0xC1 && byte <= 0xCF);
+            EXPECT_EQ(attributes.oneColumn(first), isNarrow) << row.name << " " << hexText(byte, 2);
+        }
+    }
+}
+
 TEST(Ucs2Load, EveryCharacterReadsBackFromTheFile) {
     for (const Row& row : kRows) {
-        for (const CompiledCharset& charset : compiled().charsets) {
-            if (charset.source.name == row.name) expectReadsBack(row, charset);
-        }
+        expectReadsBack(row, charsetNamed(row.name));
         // With a buffer that is too small nothing is loaded by halves.
         const nlsStatus expected = row.buffer > kSmallest ? NLS_NO_MEM : NLS_OK;
         EXPECT_EQ(Loaded(row.name, kSmallest).status(), expected) << row.name;

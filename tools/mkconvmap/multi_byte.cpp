@@ -32,7 +32,7 @@ void addArray(DataRecord& record, std::size_t offsetAt, const std::vector<uint16
 DataRecord recordOf(const PackedMaps& maps, ConvType type) {
     DataRecord record;
     record.bytes.resize(format::conversion::kSize);
-    format::putDecimal(record.bytes, format::kSlotSize, format::ucs2::kMaps.width);
+    format::putDecimal(record.bytes, format::kSlotSize, format::endOf(format::ucs2::kMaps));
     format::putBigEndian(record.bytes, format::conversion::kTypeCode, static_cast<unsigned>(type));
     for (std::size_t at = 0; at < maps.size(); ++at) {
         const std::size_t start = format::ucs2::kMaps.offset + at * format::ucs2::kMapSize;
