@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <random>
 
 #include "tools/mkconvmap/multi_byte.hpp"
@@ -84,8 +86,6 @@ TEST(Ucs2Description, RefusesWhatTheFormatCantHold) {
         {"codes without a map", "grid third lead A2-FE trail A1-FE\nforth third",
          "1: no map has a way forth for A1A1 (U+3000)"},
         {"code points without a map", kThirdMap, "1: no map has a way back for U+00A1 (A2AE) and 8226 other"},
-        {"plane in two blocks", kThirdMap + kFirstMap + "forth first\nrows first 2/2 20000-2F000 2F100-2F200",
-         "10: no code point"},
         {"nothing left out", "without ACF2-ACFE", "6: ACF2-ACFE: the source has no code of this range"},
         {"nothing yields", "yield C9A1-C9FE", "6: C9A1-C9FE: no code of this range has a character"},
         {"one way to nothing", "back A5 C9A1", "6: C9A1 has no character"},
@@ -123,6 +123,28 @@ TEST(Ucs2Description, RefusesSourcesThatDontFit) {
     for (const auto& row : rows) {
         const std::string complaint = complaintOf(row.text);
         EXPECT_EQ(complaint.substr(0, row.complaint.size()), row.complaint) << row.why << ": " << complaint;
+    }
+}
+
+// A way forth into a higher plane hangs on one block, which must leave the plane's last code point to the holes.
+TEST(Ucs2Description, RefusesPlanesThatCantBeReached) {
+    std::ifstream file{std::filesystem::path{NLS_TEST_DATA}.parent_path().parent_path() /
+                       "data/charsets/CP950-HKSCS.txt"};
+    const std::string text{std::istreambuf_iterator<char>{file}, {}};
+    const std::string block = "20021-2F9D4";
+    ASSERT_NE(text.find(block), std::string::npos);
+    const struct {
+        const char* blocks;
+        std::string complaint;
+    } rows[] = {
+        {"20021-21000 21020-2F9D4", "a plane of its own takes one block"},
+        {"20021-2FFFF", "the block has to end below U+2FFFF"},
+        {"20021-2F000", "no map has a way forth for "},
+    };
+    for (const auto& row : rows) {
+        const std::string complaint =
+            complaintOf(std::string{text}.replace(text.find(block), block.size(), row.blocks));
+        EXPECT_NE(complaint.find(": " + row.complaint), std::string::npos) << row.blocks << ": " << complaint;
     }
 }
 
