@@ -110,7 +110,8 @@ private:
         if (line.keyword() == "source") {
             if (source_) fail(line.place, "the charset has a source already");
             sourcePlace_ = line.place;
-            source_ = openRowSource(line.place, line.field(1, "icu or iconv"), line.field(2, "a converter's name"));
+            const std::string& library = line.field(1, "a library, icu or iconv");
+            source_ = openRowSource(line.place, library, line.field(2, "a converter's name"));
             line.endsAfter(3);
         } else if (line.keyword() == "row") {
             readRow(line);

@@ -1,0 +1,126 @@
+// Every description that the format can't hold is refused, and the message says where and why.
+#include <gtest/gtest.h>
+
+#include "tests/tools/map_folder.hpp"
+
+namespace nls::test {
+namespace {
+
+const std::string kHead = "charset X\nkind single-byte\n";
+const std::string kLatin = kHead + "source iconv ISO-8859-1\n";
+
+// One charset X, told by `text`.
+TEST(Refusals, OfACharset) {
+    const struct {
+        std::string text, message;
+    } rows[] = {
+        {"", "charsets/X.txt: the charset has no name: a line \"charset NAME\" is missing"},
+        {"charset X\n", "charsets/X.txt: the charset has no kind: a line \"kind …\" is missing"},
+        {"charset Y\nkind utf-8\n", "charsets/X.txt:1: the file of X describes Y"},
+        {"charset X\ncharset X\n", "charsets/X.txt:2: the charset has a name already"},
+        {"charset\n", "charsets/X.txt:1: charset needs a name"},
+        {"charset X Y\n", "charsets/X.txt:1: \"Y\" is too much for charset"},
+        {"source iconv ASCII\n", "charsets/X.txt:1: \"kind\" has to stand in front of \"source\""},
+        {"charset X\nkind octet\n",
+         "charsets/X.txt:2: \"octet\" is no kind: single-byte, multi-byte, utf-8, ucs2, utf-16 or utf-32"},
+        {kHead + "kind utf-8\n", "charsets/X.txt:3: the charset has a kind already"},
+        {kHead + "wide 41\n", "charsets/X.txt:3: \"wide\" means nothing in a charset of this kind"},
+        {"charset X\nkind utf-8\norder big\n", "charsets/X.txt:3: \"order\" means nothing in a charset of this kind"},
+        {"charset X\nkind utf-16\norder middle\n", "charsets/X.txt:3: \"middle\" is no order: little or big"},
+        {kHead + "row 00 \x01\n", "charsets/X.txt:3: a control character stands in the line"},
+        // Sources.
+        {kHead + "source\n", "charsets/X.txt:3: source needs a library, icu or iconv"},
+        {kHead + "source perl X\n", "charsets/X.txt:3: \"perl\" is no source of rows: icu or iconv"},
+        {kHead + "source iconv NO-SUCH\n", "charsets/X.txt:3: iconv knows no charset \"NO-SUCH\""},
+        {kHead + "source iconv ASCII//TRANSLIT\n",
+         "charsets/X.txt:3: \"ASCII//TRANSLIT\" is no plain name of a charset"},
+        {kHead + "source icu NO-SUCH\n", "charsets/X.txt:3: ICU has no converter \"NO-SUCH\""},
+        {kLatin + "source iconv ASCII\n", "charsets/X.txt:4: the charset has a source already"},
+        // Rows and fillers.
+        {kHead, "charsets/X.txt:1: byte 00 has no character and isn't filled"},
+        {kHead + "source iconv ASCII\n", "charsets/X.txt:3: byte 80 has no character and isn't filled"},
+        {kLatin + "row 41\n", "charsets/X.txt:4: row needs a character"},
+        {kLatin + "row 100 41\n", "charsets/X.txt:4: 100 is above FF"},
+        {kLatin + "row 41 0x41\n", "charsets/X.txt:4: \"0x41\" is no hexadecimal number"},
+        {kLatin + "row FF 100 101\n", "charsets/X.txt:4: the row runs past byte FF"},
+        {kLatin + "row 41 100\nrow 41 101\n", "charsets/X.txt:5: byte 41 has a row already"},
+        {kLatin + "row 80 1F600\n", "charsets/X.txt:4: byte 80 has U+1F600; the format ends at U+FFFF"},
+        {kLatin + "row 80 110000\n", "charsets/X.txt:4: 110000 is above 10FFFF"},
+        {kLatin + "row 80 DEAD\n", "charsets/X.txt:4: byte 80 (U+DEAD) is half a surrogate pair"},
+        {kLatin + "row 80 FFFD\n", "charsets/X.txt:4: byte 80 (U+FFFD) is no character"},
+        {kLatin + "row 80 0\n", "charsets/X.txt:4: byte 80 (U+0000): byte 00 and no other is U+0000"},
+        {kLatin + "row 00 100\n", "charsets/X.txt:4: byte 00 (U+0100): byte 00 and no other is U+0000"},
+        {kLatin + "row 80 41\n", "charsets/X.txt:4: bytes 41 (U+0041) and 80 (U+0041) are one character"},
+        {kLatin + "row 80 20AC\nrow A4 30AC\n",
+         "charsets/X.txt:5: bytes 80 (U+20AC) and A4 (U+30AC) share a key: the way back sees the low 12 bits alone "
+         "above U+07FF"},
+        {kHead + "source iconv ASCII\nfill 80-FF\nrow 41 7CC\n", ""},
+        {kHead + "source iconv ASCII\nfill 80-FF\nrow 41 87A0\n",
+         "charsets/X.txt:4: bytes 41 (U+87A0) and A0 (U+F7A0) share a key: the way back sees the low 12 bits alone "
+         "above U+07FF"},
+        {kLatin + "fill 80\n", "charsets/X.txt:4: byte 80 has a character, U+0080"},
+        {kLatin + "fill 9F-80\n", "charsets/X.txt:4: the range 9F-80 ends before it begins"},
+        {kHead + "source iconv ASCII\nfill 80-FF\nfill 90\n", "charsets/X.txt:5: byte 90 is named twice"},
+        // The bytes of a multi-byte charset.
+        {"charset X\nkind multi-byte\nlength 4 81\n", "charsets/X.txt:3: 4 is above 3"},
+        {"charset X\nkind multi-byte\nlength 1 81-90\nlength 2 90\n", "charsets/X.txt:4: byte 90 has a length already"},
+        {"charset X\nkind multi-byte\nlength 0 narrow 80\n", "charsets/X.txt:3: a single byte is never narrow"},
+    };
+    for (const auto& row : rows) {
+        const MapFolder folder;
+        folder.charset("X", row.text);
+        EXPECT_EQ(folder.refusal("charset X\n"), row.message) << row.text;
+    }
+}
+
+// A list over a few sound charsets.
+TEST(Refusals, OfAList) {
+    const std::string charsets = "charset UTF-8 UTF-16 LATIN CYRILLIC\n";
+    const struct {
+        std::string text, message;
+    } rows[] = {
+        {"# nothing\n", "map.list: the list is empty"},
+        {"collation X\n", "map.list:1: \"collation\" is none of charset, convert, convert-by-rule"},
+        {"charset\n", "map.list:1: charset needs names of charsets"},
+        {"charset NONE\n", "map.list:1: there is no charsets/NONE.txt"},
+        {"charset ../map\n", "map.list:1: \"../map\" is no name of a charset's file"},
+        {"charset A-NAME-OF-20-LETTERS\n",
+         "map.list:1: the name \"A-NAME-OF-20-LETTERS\" has 20 characters; the data file holds 19"},
+        {"charset KŒLN\n", "map.list:1: \"KŒLN\" is no name: ASCII characters are wanted"},
+        {"charset LATIN latin\n", "map.list:1: the charset latin is in the list already"},
+        {charsets + "convert LATIN\n", "map.list:2: convert needs two charsets"},
+        {charsets + "convert LATIN GREEK\n", "map.list:2: no charset GREEK in the list so far"},
+        {charsets + "convert LATIN latin\n", "map.list:2: LATIN converts to itself without an entry"},
+        {charsets + "convert LATIN UTF-8 CYRILLIC\nconvert CYRILLIC LATIN\n",
+         "map.list:3: CYRILLIC to LATIN is entered already, at map.list:2"},
+        {charsets + "convert LATIN UTF-16\n",
+         "map.list:2: no conversion type leads from LATIN to UTF-16; the route through UTF-8 needs no entry"},
+        {charsets + "convert LATIN CYRILLIC UTF-8\n",
+         "map.list:2: LATIN to UTF-8 has to stand in front of the conversions without UTF-8, or routes of two steps "
+         "would miss UTF-8"},
+        {charsets + "convert-by-rule LATIN CYRILLIC\n",
+         "map.list:2: the rule between Shift-JIS and EUC needs two multi-byte charsets"},
+    };
+    for (const auto& row : rows) {
+        const MapFolder folder;
+        addSmallCharsets(folder);
+        EXPECT_EQ(folder.refusal(row.text), row.message) << row.text;
+    }
+}
+
+// 999 entries can be counted, and a thousandth can't.
+TEST(Refusals, OfOneEntryTooMany) {
+    const MapFolder folder;
+    std::string list;
+    for (int number = 0; number < 1000; ++number) {
+        const std::string name = "X" + std::to_string(number);
+        folder.charset(name, "charset " + name + "\nkind utf-32\n");
+        list += "charset " + name + "\n";
+    }
+    EXPECT_EQ(folder.refusal(list),
+              "charsets/X999.txt:1: the entry X999 is one more than the 999 that the contents can hold");
+    EXPECT_EQ(folder.refusal(list.substr(0, list.size() - 13)), "");
+}
+
+}  // namespace
+}  // namespace nls::test
