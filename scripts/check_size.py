@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""No file over 600 lines; and how long the files and the functions of the library and the tools are.
+"""No file over 600 lines, no line of C or C++ over 120 columns; and how long the files and the functions are.
 
-    check_size.py             complains about files over the ceiling
+    check_size.py             complains about files over the ceiling, and about lines over the margin, which clang-format
+                              leaves alone in comments
     check_size.py --report    also prints the longest files and functions, and the share of test lines
 """
 import argparse
@@ -11,7 +12,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-CEILING = 600
+CEILING, MARGIN = 600, 120
 ROOT = Path(__file__).resolve().parent.parent
 CODE = (".cpp", ".hpp", ".c", ".h")
 COUNTED = CODE + (".py", ".sh", ".cmake")
@@ -70,7 +71,11 @@ def main():
     if args.report:
         report(sizes)
     long = [f"{path.relative_to(ROOT)}: {size} lines, more than {CEILING}" for path, size in sizes.items() if size > CEILING]
-    print("\n".join(long) if long else f"{len(sizes)} files, none over {CEILING} lines")
+    for path in (path for path in sizes if path.suffix in CODE):
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            if len(line) > MARGIN:
+                long.append(f"{path.relative_to(ROOT)}:{number}: {len(line)} columns, more than {MARGIN}")
+    print("\n".join(long) if long else f"{len(sizes)} files, none over {CEILING} lines, no line over {MARGIN} columns")
     return 1 if long else 0
 
 

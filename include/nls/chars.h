@@ -62,8 +62,9 @@ NLS_API nlsStatus nlsCharToLChar(const nlsLocale* locale, nlsTlsBlock* tls, cons
 
    NLS_OK              written
    NLS_BAD_CHAR (17)   no character of the charset; `*pp` hasn't moved. If the value lay in range and the charset was
-   fit for it, its bytes stand in the target all the same. `*byteCount` is 0, or the number of those bytes if the
-   trailing bytes alone were at fault NLS_NO_ATTRIB (27)  the locale has no attribute table; `*byteCount` is 0
+                       fit for it, its bytes stand in the target all the same. `*byteCount` is 0, or the number of
+                       those bytes if the trailing bytes alone were at fault
+   NLS_NO_ATTRIB (27)  the locale has no attribute table; `*byteCount` is 0
    NLS_BAD_ARG (16)    `*pp` is null; `*byteCount` is 0
 
    `pp` and `byteCount` must not be null. */

@@ -2,15 +2,15 @@
 
    Shared by all functions here:
    - Lengths, sizes and counts are bytes. Every conversion but that through an ICU converter goes by length: a NUL in
-   the source is converted like any other byte, and no terminator is added unless the function says so.
+     the source is converted like any other byte, and no terminator is added unless the function says so.
    - A negative target or scratch size counts as 0. An empty source (length 0) gives result 0 and count 0 for every type
      of table, whatever the buffers hold or point at. A negative source length is refused with 16.
    - No text outside the given sizes is read or written. Target bytes behind the counted ones are left as they were, but
      for the overflow ending of nlsToUTF8.
    - Source and target may be the same buffer with the null table and with a byte map (type 1), and for one single
      character with every type. Otherwise they must not overlap; then the text that comes out is unspecified, and what
-   is said above about reading and writing still holds. A byte map on overlapping buffers gives what a walk from the
-   first byte to the last gives.
+     is said above about reading and writing still holds. A byte map on overlapping buffers gives what a walk from the
+     first byte to the last gives.
    - Tables don't change, and nothing else is kept between calls: any number of threads may convert at once.
 
    Results:
@@ -165,8 +165,7 @@ NLS_API nlsStatus nlsToUTF8(unsigned char* target, int32_t targetSize, const uns
 /* Type 20: 256 pages of byte values; 0 is "no mapping". A byte below 0x80 is looked up on page 0. C0 to DF take one
    byte more and choose the page; E0 to EF take two more, the first of which chooses the page; the low six bits of the
    last byte choose the entry. F0 to F4 take three more and have no mapping; any other byte stands alone and has none.
-   No mapping:
-   "?" and -3. NUL alone goes through page 0 whatever it holds. The form of trailing bytes isn't tested.
+   No mapping: "?" and -3. NUL alone goes through page 0 whatever it holds. The form of trailing bytes isn't tested.
    16: the source ends inside a character. 2: no room for a byte. `outLen` tells what was written before. */
 NLS_API nlsStatus nlsFromUTF8(unsigned char* target, int32_t targetSize, const unsigned char* source, int32_t sourceLen,
                               const nlsConvTable* table, uint32_t* outLen);

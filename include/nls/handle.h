@@ -1,12 +1,12 @@
 /* The handle on a data file, its arena, and a thread's own block.
 
-   The order of a run: nlsInit once for a file; nlsCreateLocale and nlsCreateConversion (objects.h) as objects are needed,
-   and on NLS_NO_MEM from them nlsAddBuffer and the same call again; nlsTlsInit on each thread that wants a block of its
-   own; work; nlsTlsClose on each thread; nlsClose; last the caller takes back the block and the buffers.
+   The order of a run: nlsInit once for a file; nlsCreateLocale and nlsCreateConversion (objects.h) as objects are
+   needed, and on NLS_NO_MEM from them nlsAddBuffer and the same call again; nlsTlsInit on each thread that wants a
+   block of its own; work; nlsTlsClose on each thread; nlsClose; last the caller takes back the block and the buffers.
 
    All memory is the caller's. The library allocates none: objects and tables are laid one behind another into the block
-   and the buffers (the arena), where they stay until the handle is closed. Nothing in the arena is ever freed or reused,
-   and a call that fails keeps what it took before it failed.
+   and the buffers (the arena), where they stay until the handle is closed. Nothing in the arena is ever freed or
+   reused, and a call that fails keeps what it took before it failed.
 
    There are no locks. Calls that change a handle (nlsClose, nlsAddBuffer and the create calls) must not overlap on one
    handle; the library notices an overlap only by chance, with NLS_BUSY. Finished objects may be used by many threads.
@@ -29,8 +29,8 @@ enum { NLS_SMALLEST_BLOCK = 25000, NLS_SMALLEST_BUFFER = 76000 };
    fileHandle  handed to every call of `readFn`, for the callback's own use; any number
    block       memory of `size` bytes, aligned to 8; it is cleared, and lent to the handle until nlsClose. Not null
    size        in bytes
-   readFn      reads from the open data file; base.h has its contract. The library reads during nlsInit and during create
-               calls, never later, and never closes the file. Not null
+   readFn      reads from the open data file; base.h has its contract. The library reads during nlsInit and during
+               create calls, never later, and never closes the file. Not null
    handle      receives the handle; written on success alone. Not null
 
    Checks, in this order: size, header, version, room for the contents, each record of the contents. Answers:
@@ -43,8 +43,8 @@ enum { NLS_SMALLEST_BLOCK = 25000, NLS_SMALLEST_BUFFER = 76000 };
 NLS_API NLS_CHECKED nlsStatus nlsInit(uint32_t fileHandle, void* block, int32_t size, nlsReadFn readFn,
                                       nlsHandle** handle);
 
-/* Ends a handle. Its objects stay where they are, and every operation on them answers NLS_BAD_HANDLE from now on, as long
-   as the block is there. No call opens the handle again. Null is answered with NLS_BAD_HANDLE.
+/* Ends a handle. Its objects stay where they are, and every operation on them answers NLS_BAD_HANDLE from now on, as
+   long as the block is there. No call opens the handle again. Null is answered with NLS_BAD_HANDLE.
 
    NLS_OK; NLS_BAD_HANDLE (none, or closed already); NLS_BUSY. */
 NLS_API nlsStatus nlsClose(nlsHandle* handle);
@@ -65,8 +65,8 @@ NLS_API NLS_CHECKED nlsStatus nlsAddBuffer(nlsHandle* handle, void* buffer, int3
    alignment  the address becomes a multiple of it; 1 (or 0) for any address
    memory     receives the address; written on success alone. Not null
 
-   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (not enough left in the buffer in use; nothing is taken). Whether the handle is busy
-   isn't looked at. */
+   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (not enough left in the buffer in use; nothing is taken). Whether the handle is
+   busy isn't looked at. */
 NLS_API NLS_CHECKED nlsStatus nlsGetMem(nlsHandle* handle, int32_t size, uint32_t alignment, void** memory);
 
 /* Lays a thread's own block into memory of that thread. Operations on locales and conversions accept null in its place;

@@ -1,8 +1,8 @@
 /* Exported for the library's own modules and for callers of long standing. New code has no use for these functions: the
    create calls of objects.h do what the loaders here do, with the handle marked busy.
 
-   The loaders read from the data file into the arena, each table once; they answer NLS_BAD_HANDLE for a handle that isn't
-   open. The names are NUL-terminated and not null, and compare as objects.h tells. Out-arguments are not null.
+   The loaders read from the data file into the arena, each table once; they answer NLS_BAD_HANDLE for a handle that
+   isn't open. The names are NUL-terminated and not null, and compare as objects.h tells. Out-arguments are not null.
 
    Valid C11 and C++20. */
 #ifndef NLS_INNER_H
@@ -33,61 +33,61 @@ NLS_API nlsStatus nlsLinkHdr(nlsHandle* handle, nlsHdr* object);
 /* Stores `version` in nlsTemporaryVers. Always NLS_OK. */
 NLS_API nlsStatus putTempVers(uint32_t version);
 
-/* Reads a decimal number from at most `width` characters, which need no NUL: blanks, tabs and line feeds first, one sign,
-   then digits up to the first non-digit. 0 without a digit, or with a width below 1. Wraps at 32 bits. */
+/* Reads a decimal number from at most `width` characters, which need no NUL: blanks, tabs and line feeds first, one
+   sign, then digits up to the first non-digit. 0 without a digit, or with a width below 1. Wraps at 32 bits. */
 NLS_API int32_t nlsAtoin(const char* text, int32_t width);
 
 /* The unsigned number whose four bytes in memory are `bytes` in reverse order. Any address. */
 NLS_API uint32_t nlsSwapLong(const void* bytes);
 
-/* Compares two names: -1, 0 or 1. Case is folded by the C library's table for the process's locale, and blanks at the end
-   of either name don't count. Bytes from 0x80 on sort before ASCII. */
+/* Compares two names: -1, 0 or 1. Case is folded by the C library's table for the process's locale, and blanks at the
+   end of either name don't count. Bytes from 0x80 on sort before ASCII. */
 NLS_API int32_t nlsStbcmp(const char* a, const char* b);
 
-/* Reads header and contents of the data file into the handle, as nlsInit does. On a failure the handle keeps the contents
-   that it had. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_BAD_TOC; NLS_BAD_MAGIC; NLS_BAD_VERSION. */
+/* Reads header and contents of the data file into the handle, as nlsInit does. On a failure the handle keeps the
+   contents that it had. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_BAD_TOC; NLS_BAD_MAGIC; NLS_BAD_VERSION. */
 NLS_API NLS_CHECKED nlsStatus getTOC(nlsHandle* handle);
 
 /* The attribute table of a charset. `attrib` is written on success, and also with NLS_READ_FAILED, when it shows memory
    that isn't filled. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_ATTRIB_TABLE; NLS_READ_FAILED. */
 NLS_API NLS_CHECKED nlsStatus nlsGetAttribStructPtr(nlsHandle* handle, const char* charset, nlsAttribStruct** attrib);
 
-/* The conversion table between two charsets; null, with NLS_OK, is the identity. Bit 0 of `options` refuses a plain byte
-   map that the file doesn't mark; the other bits are 0. `table` is written on success alone.
+/* The conversion table between two charsets; null, with NLS_OK, is the identity. Bit 0 of `options` refuses a plain
+   byte map that the file doesn't mark; the other bits are 0. `table` is written on success alone.
    NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_CONV_TABLE; NLS_READ_FAILED. */
 NLS_API NLS_CHECKED nlsStatus nlsGetConvTablePtr(nlsHandle* handle, const char* from, const char* to, uint32_t options,
                                                  nlsConvTable** table);
 
-/* A table that goes through a middle charset, where `from` or `to` begins with "UTF-8", "UCS2", "UTF-16" or "UTF-32". Each
-   call makes a new one. Not 0 in `refuse` makes it answer NLS_NO_MEM (1) at once. NLS_OK; NLS_BAD_HANDLE; 1 for every other
-   failure: no such pair, no way, no memory. `table` is written on success alone. */
+/* A table that goes through a middle charset, where `from` or `to` begins with "UTF-8", "UCS2", "UTF-16" or "UTF-32".
+   Each call makes a new one. Not 0 in `refuse` makes it answer NLS_NO_MEM (1) at once. NLS_OK; NLS_BAD_HANDLE; 1 for
+   every other failure: no such pair, no way, no memory. `table` is written on success alone. */
 NLS_API NLS_CHECKED nlsStatus get2StepConvTablePtr(nlsHandle* handle, const char* from, const char* to, uint32_t refuse,
                                                    nlsConvTable** table);
 
-/* Installs a copy of `body`, `length` bytes, as the table from `from` to `to`, in place of one that may be there. Its type
-   is the raw byte of the entry of that pair, and the body must be what that type wants: nothing is checked.
+/* Installs a copy of `body`, `length` bytes, as the table from `from` to `to`, in place of one that may be there. Its
+   type is the raw byte of the entry of that pair, and the body must be what that type wants: nothing is checked.
    NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_CONV_TABLE (no entry). */
 NLS_API NLS_CHECKED nlsStatus insertInverseStruct(nlsHandle* handle, const char* from, const char* to, const void* body,
                                                   uint32_t length);
 
-/* Reads the three map records of a multi-byte charset as they stand in the file, 480 bytes, from the entry of `charset` to
-   `other`. `maps` may lie at any address, and is written on success alone.
+/* Reads the three map records of a multi-byte charset as they stand in the file, 480 bytes, from the entry of `charset`
+   to `other`. `maps` may lie at any address, and is written on success alone.
    NLS_OK; NLS_BAD_HANDLE; NLS_NO_CONV_TABLE (no entry, or one without data); NLS_READ_FAILED. */
 NLS_API NLS_CHECKED nlsStatus readUCS2Data(nlsHandle* handle, const char* charset, const char* other, void* maps);
 
 /* The tables of a multi-byte charset, both ways, built from its map records. `type` is 17, 81 or 89 where `from` is the
-   charset, and 18 or 50 where `to` is it. `table` receives the table from `from` to `to`; the way back is installed in its
-   entry. With a failure `table` is left alone or shows an unfinished table.
-   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no attribute table for the charset); NLS_NO_CONV_TABLE (no entry with data, no
-   entry for the way back, or one whose raw byte is none of the types above); NLS_READ_FAILED. */
+   charset, and 18 or 50 where `to` is it. `table` receives the table from `from` to `to`; the way back is installed in
+   its entry. With a failure `table` is left alone or shows an unfinished table.
+   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no attribute table for the charset); NLS_NO_CONV_TABLE (no entry with data,
+   no entry for the way back, or one whose raw byte is none of the types above); NLS_READ_FAILED. */
 NLS_API NLS_CHECKED nlsStatus getUCS2Data(nlsHandle* handle, const char* from, const char* to, int64_t type,
                                           nlsConvTable** table);
 
 /* The tables of a single-byte charset to and from UTF-8, built from 256 UTF-16 units, one for each byte value, at any
    address. `type` is 19 or 51. `table` receives the table from `from` to `to`; the way back is installed in its entry.
    With a failure `table` is left alone or shows an unfinished table.
-   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no entry for the way back, or one whose raw byte isn't 20); NLS_BAD_TABLE (two
-   byte values that can't be told apart on the way back). */
+   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no entry for the way back, or one whose raw byte isn't 20); NLS_BAD_TABLE
+   (two byte values that can't be told apart on the way back). */
 NLS_API NLS_CHECKED nlsStatus computeUtf8TableData(nlsHandle* handle, const char* from, const char* to, int64_t type,
                                                    const uint16_t* units, nlsConvTable** table);
 

@@ -18,6 +18,7 @@
 #include "nls/strings.h"
 
 /* What conversions come down to, and what older callers know. An ordinary caller does without. */
+#include "nls/dbcs_transforms.h"
 #include "nls/inner.h"
 #include "nls/transforms.h"
 

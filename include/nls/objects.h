@@ -2,9 +2,9 @@
    and a table once read from the data file serves every object that names it. Objects live as long as their handle and
    have no free operation; only a database locale leaves, through nlsCloseDBLocale.
 
-   Names of charsets, collations and case tables are NUL-terminated text. They compare without regard to case and to blanks
-   at their end, by the upper-casing table of the C library for the process's locale (setlocale). Under a Turkish locale
-   "i" and "I" are different letters there: ask for such names in the spelling of the data file.
+   Names of charsets, collations and case tables are NUL-terminated text. They compare without regard to case and to
+   blanks at their end, by the upper-casing table of the C library for the process's locale (setlocale). Under a Turkish
+   locale "i" and "I" are different letters there: ask for such names in the spelling of the data file.
 
    Valid C11 and C++20. */
 #ifndef NLS_OBJECTS_H
@@ -34,8 +34,8 @@ NLS_BEGIN_DECLS
               companions (below) was not; else left alone
 
    A charset that compares through Shift-JIS brings companions: the locale "shift-jis" with the same collation and case
-   table, and the conversion to it. If they can't be made their status is returned; the locale itself stands all the same,
-   and the next call for it answers NLS_OK.
+   table, and the conversion to it. If they can't be made their status is returned; the locale itself stands all the
+   same, and the next call for it answers NLS_OK.
 
    Checks, in this order: handle, then the search, which answers even while the handle is busy, then busy, then memory,
    charset, collation, case table, companions. Answers:
@@ -52,21 +52,21 @@ NLS_BEGIN_DECLS
 NLS_API NLS_CHECKED nlsStatus nlsCreateLocale(nlsHandle* handle, const char* charset, const char* collation,
                                               const char* caseName, nlsLocale** locale);
 
-/* Finds a locale that was made before; arguments as for nlsCreateLocale. Database locales are found too. It doesn't look
-   at the handle's tag nor at busy. NLS_OK; NLS_BAD_LOCALE (none; `locale` is left alone). */
+/* Finds a locale that was made before; arguments as for nlsCreateLocale. Database locales are found too. It doesn't
+   look at the handle's tag nor at busy. NLS_OK; NLS_BAD_LOCALE (none; `locale` is left alone). */
 NLS_API NLS_CHECKED nlsStatus findLocale(const nlsHandle* handle, const char* charset, const char* collation,
                                          const char* caseName, nlsLocale** locale);
 
-/* Finds or makes the conversion from the charset of one locale to that of another. Locales that differ only in collation
-   or case table share one conversion. The same charset on both sides, and the charset "undefined" on either, make the
-   identity, which copies bytes.
+/* Finds or makes the conversion from the charset of one locale to that of another. Locales that differ only in
+   collation or case table share one conversion. The same charset on both sides, and the charset "undefined" on either,
+   make the identity, which copies bytes.
 
    handle      of both locales, which must be locales of this handle
    conversion  receives the conversion, on success alone. Not null
 
-   A conversion that is made for a database locale keeps a copy of what it needs of it: charset name, attribute table and
-   handle, in a locale record of its own, which stands on no chain. So the conversion stays good when the database locale
-   is closed and its block is gone, and a later call for the same charsets goes on finding it.
+   A conversion that is made for a database locale keeps a copy of what it needs of it: charset name, attribute table
+   and handle, in a locale record of its own, which stands on no chain. So the conversion stays good when the database
+   locale is closed and its block is gone, and a later call for the same charsets goes on finding it.
 
    Checks, in this order: the handle behind `source`, `source`, the same of `target`, `handle`, then the search, which
    answers even while the handle is busy, then busy, then memory and table. Answers:
@@ -76,8 +76,8 @@ NLS_API NLS_CHECKED nlsStatus findLocale(const nlsHandle* handle, const char* ch
    NLS_BUSY
    NLS_NO_MEM         add a buffer and call again. If it comes back with a fresh buffer that is large enough, the data
                       file lacks the way back or the attribute table of a charset
-   NLS_NO_CONV_TABLE  the data file has no usable table for the pair, and no way through a Unicode charset. Also where the
-                      arena is used up on a way through a middle charset, or by a table that has to be made
+   NLS_NO_CONV_TABLE  the data file has no usable table for the pair, and no way through a Unicode charset. Also where
+                      the arena is used up on a way through a middle charset, or by a table that has to be made
                       together with the one of the opposite direction (UTF-8 to a single-byte charset)
    NLS_READ_FAILED    the file ends inside a record, or a read failed; a later call reads again */
 NLS_API NLS_CHECKED nlsStatus nlsCreateConversion(nlsHandle* handle, nlsLocale* source, nlsLocale* target,
@@ -85,14 +85,14 @@ NLS_API NLS_CHECKED nlsStatus nlsCreateConversion(nlsHandle* handle, nlsLocale* 
 
 /* Finds a conversion that was made before, by the charset names of the two locales. It checks none of its arguments.
    NLS_OK; NLS_BAD_CONVERSION (none; `conversion` is left alone). */
-NLS_API NLS_CHECKED nlsStatus findConversion(const nlsHandle* handle, const nlsLocale* source,
-                                             const nlsLocale* target, nlsConversion** conversion);
+NLS_API NLS_CHECKED nlsStatus findConversion(const nlsHandle* handle, const nlsLocale* source, const nlsLocale* target,
+                                             nlsConversion** conversion);
 
-/* Takes a database locale out of use, so that its block goes back to the caller. Afterwards every operation on it answers
-   NLS_BAD_LOCALE. Conversions that were made for it stay good.
+/* Takes a database locale out of use, so that its block goes back to the caller. Afterwards every operation on it
+   answers NLS_BAD_LOCALE. Conversions that were made for it stay good.
 
-   block, size  receive the block and its size in bytes. Null and 0 for a locale that isn't a database's: such a one isn't
-                closed, and stays valid. Left alone on failure and where the locale is on no chain. Not null
+   block, size  receive the block and its size in bytes. Null and 0 for a locale that isn't a database's: such a one
+                isn't closed, and stays valid. Left alone on failure and where the locale is on no chain. Not null
 
    Checks, in this order: the handle behind it, the locale, whether it is a database's, busy.
    NLS_OK; NLS_BAD_HANDLE; NLS_BAD_LOCALE; NLS_BUSY. */

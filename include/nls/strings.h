@@ -91,7 +91,7 @@ NLS_API nlsStatus nlsCountColumns(const nlsLocale* locale, nlsTlsBlock* tls, con
 
    NLS_OK
    NLS_PARTIAL_CHAR (-4)  the NUL cuts a character short; `*bytes` is that of the characters in front of it. Not
-   answered when `charCount` exceeds the length of `s` in bytes */
+                          answered when `charCount` exceeds the length of `s` in bytes */
 NLS_API nlsStatus nlsCountBytes(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t charCount,
                                 uint32_t* bytes);
 
@@ -99,7 +99,8 @@ NLS_API nlsStatus nlsCountBytes(const nlsLocale* locale, nlsTlsBlock* tls, const
 
    NLS_OK
    NLS_PARTIAL_CHAR (-4)  a character of a multi-byte charset runs past these bytes; `*chars` is the number of
-   characters in front of it. Also for an empty `s` with a `byteLen` above 0 in a multi-byte charset */
+                          characters in front of it. Also for an empty `s` with a `byteLen` above 0 in a multi-byte
+                          charset */
 NLS_API nlsStatus nlsCountChars(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t byteLen,
                                 uint32_t* chars);
 

@@ -43,6 +43,7 @@ FAULTS = [
     ("a door included", INCLUDES, {"core/x.cpp": '#include "core/door.cpp"\n'}, "includes the door"),
     ("a test in the product", INCLUDES, {"core/x.cpp": '#include "tests/t.hpp"\n', "tests/t.hpp": "\n"}, "a test"),
     ("a header that isn't there", INCLUDES, {"core/x.cpp": '#include "core/none.hpp"\n'}, "isn't in the project"),
+    ("121 columns", SIZE, {"core/wide.cpp": "//" + "x" * 119 + "\n"}, "more than 120"),
     ("601 lines", SIZE, {"core/long.cpp": "\n" * 601}, "more than 600"),
     ("declared and not listed", SYMBOLS, {"include/nls/a.h": SOUND["include/nls/a.h"] + "NLS_API int more(void);\n"},
      "more stands in include/nls but not in cmake/exports.map"),
