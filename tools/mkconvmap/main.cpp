@@ -87,6 +87,9 @@ int run(const Options& options) {
     try {
         compile(options);
         return kDone;
+    } catch (const UnreadableFile& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return kFileTrouble;
     } catch (const DescriptionError& error) {
         std::fprintf(stderr, "%s\n", error.what());
     } catch (const ReadBackError& error) {

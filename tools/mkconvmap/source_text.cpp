@@ -63,7 +63,7 @@ void Line::endsAfter(std::size_t count) const {
 
 std::vector<Line> readSource(const std::filesystem::path& file) {
     std::ifstream stream{file, std::ios::binary};
-    if (!stream || std::filesystem::is_directory(file)) fail({file.string(), 0}, "the file can't be read");
+    if (!stream || std::filesystem::is_directory(file)) throw UnreadableFile(file.string());
     std::vector<Line> lines;
     std::string text;
     for (int number = 1; std::getline(stream, text); ++number) {
@@ -72,7 +72,7 @@ std::vector<Line> readSource(const std::filesystem::path& file) {
         if (std::any_of(text.begin(), text.end(), isControl)) fail(place, "a control character stands in the line");
         if (auto fields = fieldsOf(text); !fields.empty()) lines.push_back({place, std::move(fields)});
     }
-    if (stream.bad()) fail({file.string(), 0}, "reading failed");
+    if (stream.bad()) throw UnreadableFile(file.string());
     return lines;
 }
 

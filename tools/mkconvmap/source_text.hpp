@@ -26,6 +26,12 @@ public:
     DescriptionError(const Place& place, const std::string& reason);
 };
 
+// The file itself is the trouble, not what it says.
+class UnreadableFile : public DescriptionError {
+public:
+    explicit UnreadableFile(const std::string& file) : DescriptionError({file, 0}, "the file can't be read") {}
+};
+
 [[noreturn]] void fail(const Place& place, const std::string& reason);
 
 struct Line {
@@ -39,7 +45,8 @@ struct Line {
     void endsAfter(std::size_t count) const;
 };
 
-// The lines of a file that hold something. Fails where the file can't be read or isn't UTF-8 text without controls.
+// The lines of a file that hold something. Fails where the file can't be read and where a control character stands in
+// it.
 std::vector<Line> readSource(const std::filesystem::path& file);
 
 // A hexadecimal, and a decimal, number not above `most`.
