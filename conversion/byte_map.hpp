@@ -1,8 +1,8 @@
 // Bytes through a map of 256 bytes: from one single-byte charset to another.
 //
-// Shape: one table look-up per byte, done for a block of bytes at once. A look-up in registers takes the map as rows of
-// 16 bytes (AVX2) or as quarters of 64 (AVX-512). Where the map leaves ASCII alone, blocks of ASCII are copied. Tested
-// by tests/conversion/byte_map_test.cpp.
+// Shape: one look-up per byte, for a block of bytes at once where the processor can hold the map in registers: as two
+// halves of 8 rows of 16 bytes (AVX2), or as four quarters of 64 bytes (AVX-512).
+// Tested by tests/conversion/byte_map_test.cpp.
 #pragma once
 
 #include <cstddef>

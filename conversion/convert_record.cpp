@@ -9,7 +9,7 @@ namespace nls {
 
 namespace {
 
-constexpr EngineAnswer kRefused{NLS_BAD_ARG, false, 0};
+constexpr EngineAnswer kRefused{NLS_BAD_ARG, kUncounted};
 
 enum class Terminator { left, counted };
 
@@ -36,7 +36,7 @@ ByteSpan roomOf(const nlsStr& to) {
 }
 
 nlsStatus noted(const EngineAnswer& answer, nlsStr& to) {
-    if (answer.counted) to.strLength = answer.length;
+    if (answer.counted()) to.strLength = static_cast<uint32_t>(answer.length);
     return answer.status;
 }
 

@@ -18,7 +18,7 @@ namespace nls {
 
 namespace {
 
-constexpr EngineAnswer kRefused{NLS_BAD_ARG, false, 0};
+constexpr EngineAnswer kRefused{NLS_BAD_ARG, kUncounted};
 
 bool complete(nlsStatus status) {
     return status == NLS_OK || status == NLS_CONV_SUBST;
@@ -33,8 +33,8 @@ bool startsInsideCharacter(ByteView utf8) {
     return (utf8[0] & 0xC0) == 0x80;
 }
 
-ByteView outputOf(const Conversion& text, uint32_t length) {
-    return text.target.first(std::min<std::size_t>(length, text.target.size()));
+ByteView outputOf(const Conversion& text, int64_t length) {
+    return text.target.first(std::min(length > 0 ? static_cast<std::size_t>(length) : 0, text.target.size()));
 }
 
 // --- What `check` makes of an answer ---
@@ -43,7 +43,7 @@ ByteView outputOf(const Conversion& text, uint32_t length) {
 EngineAnswer compared(const Conversion& text, Converted answer) {
     const bool changed =
         text.check && answer.status == NLS_OK && differsAsString(outputOf(text, answer.length), text.source);
-    return {changed ? NLS_CONV_CHANGED : answer.status, true, answer.length};
+    return {changed ? NLS_CONV_CHANGED : answer.status, answer.length};
 }
 
 // --- The types ---
@@ -51,27 +51,27 @@ EngineAnswer compared(const Conversion& text, Converted answer) {
 EngineAnswer copyText(const Conversion& text) {
     const std::size_t count = std::min(text.source.size(), text.target.size());
     if (count != 0) std::memmove(text.target.data(), text.source.data(), count);
-    return {count == text.source.size() ? NLS_OK : NLS_BUF_SMALL, true, static_cast<uint32_t>(count)};
+    return {count == text.source.size() ? NLS_OK : NLS_BUF_SMALL, static_cast<int64_t>(count)};
 }
 
 EngineAnswer withoutHandler(const Conversion& text) {
     if (!text.target.empty()) text.target[0] = 0;
-    return {NLS_OK, false, 0};
+    return {NLS_OK, kUncounted};
 }
 
 EngineAnswer throughByteMap(const ByteMapTable& table, const Conversion& text) {
-    if (text.source.size() > text.target.size()) return {NLS_BUF_SMALL, true, 0};
+    if (text.source.size() > text.target.size()) return {NLS_BUF_SMALL, 0};
     const bool changed = mapBytes(table.map, text.source.data(), text.source.size(), text.target.data());
-    return {text.check && changed ? NLS_CONV_CHANGED : NLS_OK, true, static_cast<uint32_t>(text.source.size())};
+    return {text.check && changed ? NLS_CONV_CHANGED : NLS_OK, static_cast<int64_t>(text.source.size())};
 }
 
 EngineAnswer inTwoSteps(ConvTable table, const Conversion& text) {
     if ((text.check && inPlace(text)) || text.scratch.empty()) return kRefused;
     const EngineAnswer first = convert(table.firstStep(), {text.scratch, text.source, {}});
     if (!complete(first.status)) return first;
-    const ByteView middle = text.scratch.first(std::min<std::size_t>(first.length, text.scratch.size()));
+    const ByteView middle = text.scratch.first(first.counted() ? static_cast<std::size_t>(first.length) : 0);
     EngineAnswer second = convert(table.secondStep(), {text.target, middle, {}});
-    if (!second.counted) second = {second.status, first.counted, first.length};
+    if (!second.counted()) second.length = first.length;
     if (text.check && complete(second.status) && differsAsString(outputOf(text, second.length), text.source))
         second.status = NLS_CONV_CHANGED;
     return second;
@@ -97,7 +97,7 @@ EngineAnswer byRule(Rule rule, const Conversion& text) {
 // One side is a multi-byte charset, the other a form of Unicode: any output is a change.
 EngineAnswer bridged(const Conversion& text, Converted answer) {
     const bool changed = text.check && complete(answer.status) && answer.length != 0;
-    return {changed ? NLS_CONV_CHANGED : answer.status, true, answer.length};
+    return {changed ? NLS_CONV_CHANGED : answer.status, answer.length};
 }
 
 EngineAnswer fromDbcs(ConvTable table, const Conversion& text) {
@@ -123,14 +123,18 @@ using Transform = Transformed (*)(ByteView source, ByteSpan target, ByteOrder or
 EngineAnswer through(Transform transform, ConvTable table, const Conversion& text) {
     const Transformed done = transform(text.source, text.target, {table.swapsSource(), table.swapsTarget()});
     const bool changed = text.check && done.status == NLS_OK && done.written != 0;
-    return {changed ? NLS_CONV_CHANGED : done.status, true, static_cast<uint32_t>(done.written)};
+    return {changed ? NLS_CONV_CHANGED : done.status, static_cast<int64_t>(done.written)};
 }
 
 EngineAnswer fromUtf8Through(Transform transform, ConvTable table, const Conversion& text) {
     return startsInsideCharacter(text.source) ? kRefused : through(transform, table, text);
 }
 
-// REQUIRES: the type has a handler, and the source isn't empty.
+bool hasHandler(ConvType type) {
+    return rowOf(type).known && type != ConvType::identity;
+}
+
+// REQUIRES: the source isn't empty.
 EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
     // clang-format off
     switch (type) {
@@ -138,11 +142,12 @@ EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
         case ConvType::sjisToEuc:       return byRule(sjisToEuc, text);
         case ConvType::eucToSjis:       return byRule(eucToSjis, text);
         case ConvType::unicodeToIcu:
-        case ConvType::icuToUnicode:    return {NLS_NO_CONV_TABLE, false, 0};  // no ICU is bound yet
+        case ConvType::icuToUnicode:    return {NLS_NO_CONV_TABLE, kUncounted};  // no ICU is bound yet
         case ConvType::twoStep:         return inTwoSteps(table, text);
         case ConvType::dbcsToUtf8:
         case ConvType::dbcsToUtf8Long:
-        case ConvType::dbcsToUtf8Longest: return fromDbcs(table, text);
+        case ConvType::dbcsToUtf8Longest:
+                                        return fromDbcs(table, text);
         case ConvType::utf8ToDbcs:
         case ConvType::utf8ToDbcsShort: return toDbcs(table, text);
         case ConvType::sbcsToUtf8:
@@ -168,9 +173,8 @@ EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
 EngineAnswer convert(ConvTable table, const Conversion& text) {
     if (table.isNull()) return copyText(text);
     const ConvType type = table.type();
-    if (!rowOf(type).known || type == ConvType::identity) return withoutHandler(text);
-    if (text.source.empty()) return {NLS_OK, true, 0};
-    return byType(type, table, text);
+    if (!text.source.empty()) return byType(type, table, text);
+    return hasHandler(type) ? EngineAnswer{NLS_OK, 0} : withoutHandler(text);
 }
 
 namespace {
@@ -198,14 +202,14 @@ nlsLChar readBack(const unsigned char* bytes, std::size_t count) {
 }  // namespace
 
 ConvertedCharacter convertCharacter(ConvTable table, nlsLChar value) {
-    if (table.isNull()) return {NLS_OK, true, value};
+    if (table.isNull()) return {NLS_OK, value};
     CharacterBytes character = spelledOut(value);
     const ByteSpan target{character.bytes};
     const EngineAnswer answer = convert(table, {target, ByteView{target}.first(character.count), {}});
-    if (!answer.counted || answer.length < 1 || answer.length > 4) return {NLS_BAD_ARG, false, 0};
+    if (answer.length < 1 || answer.length > 4) return {NLS_BAD_ARG, kUncounted};
     const bool codePoint = table.type() == ConvType::utf8ToUcs4 && !table.swapsTarget();
-    if (codePoint && answer.length == 4) return {answer.status, true, loadWord<uint32_t>(character.bytes)};
-    return {answer.status, true, readBack(character.bytes, answer.length)};
+    if (codePoint && answer.length == 4) return {answer.status, loadWord<uint32_t>(character.bytes)};
+    return {answer.status, readBack(character.bytes, static_cast<std::size_t>(answer.length))};
 }
 
 }  // namespace nls

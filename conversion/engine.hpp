@@ -13,11 +13,15 @@
 
 namespace nls {
 
-// Some refusals leave the caller's count alone: `counted` is false then.
+// A count that the caller isn't told: some refusals leave it alone.
+inline constexpr int64_t kUncounted = -1;
+
+// Two words that travel in registers; with narrower ones the answer would cost more than a short conversion.
 struct EngineAnswer {
     nlsStatus status;
-    bool counted;
-    uint32_t length;  // bytes written; 0 where they aren't counted
+    int64_t length;  // bytes written, or kUncounted
+
+    bool counted() const { return length != kUncounted; }
 };
 
 // A text and where it goes. `scratch` is the middle buffer of a two-step table, else empty.
@@ -30,11 +34,12 @@ struct Conversion {
 
 EngineAnswer convert(ConvTable table, const Conversion& text);
 
-// One character. Not counted where nothing came out; else `value` holds it.
+// One character. `value` holds it, or kUncounted where nothing came out.
 struct ConvertedCharacter {
     nlsStatus status;
-    bool counted;
-    nlsLChar value;
+    int64_t value;
+
+    bool counted() const { return value != kUncounted; }
 };
 ConvertedCharacter convertCharacter(ConvTable table, nlsLChar value);
 

@@ -19,7 +19,7 @@ bool usable(const unsigned char* bytes, int32_t count) {
 }
 
 nlsStatus handOut(const nls::EngineAnswer& answer, uint32_t* outLen) {
-    if (answer.counted && outLen != nullptr) *outLen = answer.length;
+    if (answer.counted() && outLen != nullptr) *outLen = static_cast<uint32_t>(answer.length);
     return answer.status;
 }
 
@@ -29,7 +29,7 @@ nlsStatus handOut(const nls::Converted& answer, uint32_t* outLen) {
 }
 
 nlsStatus handOut(const nls::ConvertedCharacter& character, uint32_t* result) {
-    if (character.counted) *result = character.value;
+    if (character.counted()) *result = static_cast<uint32_t>(character.value);
     return character.status;
 }
 

@@ -184,8 +184,8 @@ TEST(Engine, Utf8SourcesThatStartInsideACharacter) {
 
 TEST(Engine, TheSameBufferAndACheck) {
     const MadeCharset latin{nls::test::latinUnits()};
-    const MadeTable map = shifted(), two = MadeTable::twoStep(nullptr, map);
-    for (const nlsConvTable* table : {two.get(), latin.toUtf8().get(), latin.fromUtf8().get()}) {
+    const MadeTable map = shifted(), two = MadeTable::twoStep(nullptr, map), jis{3}, euc{4};
+    for (const nlsConvTable* table : {jis.get(), euc.get(), two.get(), latin.toUtf8().get(), latin.fromUtf8().get()}) {
         unsigned char text[8] = "ab", scratch[8];
         uint32_t outLen = kUnset;
         EXPECT_EQ(convertBytes(text, 8, text, 2, scratch, 8, table, &outLen, 1), NLS_BAD_ARG);

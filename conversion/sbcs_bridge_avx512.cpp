@@ -1,0 +1,318 @@
+// The single-byte bridges, 64 bytes at a time, with look-ups in registers and squeezing by mask (AVX-512 VBMI, VBMI2).
+#include <immintrin.h>
+
+#include <array>
+
+#include "conversion/sbcs_walk.hpp"
+#include "core/base/cpu.hpp"
+
+namespace nls {
+
+namespace {
+
+// Indices of a byte permutation, by place.
+template <typename IndexOf>
+constexpr std::array<unsigned char, 64> indices(IndexOf indexOf) {
+    std::array<unsigned char, 64> all{};
+    for (unsigned place = 0; place < 64; ++place) all[place] = static_cast<unsigned char>(indexOf(place));
+    return all;
+}
+
+NLS_TARGET_AVX512 inline __m512i load(const std::array<unsigned char, 64>& bytes) {
+    return _mm512_loadu_si512(bytes.data());
+}
+
+NLS_TARGET_AVX512 inline __m512i all(int byte) {
+    return _mm512_set1_epi8(static_cast<char>(byte));
+}
+
+NLS_TARGET_AVX512 inline uint64_t lowBits(std::size_t count) {
+    return count >= 64 ? ~0ULL : _bzhi_u64(~0ULL, static_cast<unsigned>(count));
+}
+
+NLS_TARGET_AVX512 inline unsigned countBits(uint64_t mask) {
+    return static_cast<unsigned>(_mm_popcnt_u64(mask));
+}
+
+// Writes the bytes of the mask in a row, and nothing behind them.
+NLS_TARGET_AVX512 inline void squeeze(BridgeWalk& walk, uint64_t mask, __m512i bytes) {
+    const unsigned count = countBits(mask);
+    _mm512_mask_storeu_epi8(walk.target, lowBits(count), _mm512_maskz_compress_epi8(mask, bytes));
+    walk.target += count;
+}
+
+// --- To UTF-8 ---
+
+// The first, second or third bytes of all 256 forms, by byte.
+struct Plane {
+    __m512i part[4];
+};
+
+// Byte `place` of each of 64 words.
+NLS_TARGET_AVX512 inline __m512i planePart(const uint32_t* words, unsigned place) {
+    static constexpr auto kEvery4th = indices([](unsigned i) { return i * 4; });
+    const __m512i index = _mm512_add_epi8(load(kEvery4th), all(static_cast<int>(place)));
+    const __m512i low = _mm512_permutex2var_epi8(_mm512_loadu_si512(words), index, _mm512_loadu_si512(words + 16));
+    const __m512i high =
+        _mm512_permutex2var_epi8(_mm512_loadu_si512(words + 32), index, _mm512_loadu_si512(words + 48));
+    return _mm512_maskz_shuffle_i64x2(0xFF, low, high, 0x44);  // the lower halves of both
+}
+
+// Where ASCII stays what it is, only the upper half of a plane is made, and looked at.
+template <bool kAsciiStays>
+NLS_TARGET_AVX512 inline Plane makePlane(const SbcsWords& words, unsigned place) {
+    Plane plane;
+    for (unsigned part = 0; part < 4; ++part)
+        plane.part[part] = kAsciiStays && part < 2 ? _mm512_setzero_si512() : planePart(words.utf8 + 64 * part, place);
+    return plane;
+}
+
+template <bool kAsciiStays>
+NLS_TARGET_AVX512 inline __m512i lookUp(const Plane& plane, __m512i bytes, __mmask64 upper, __m512i ascii) {
+    const __m512i high = _mm512_permutex2var_epi8(plane.part[2], bytes, plane.part[3]);
+    if (kAsciiStays) return _mm512_mask_blend_epi8(upper, ascii, high);
+    return _mm512_mask_blend_epi8(upper, _mm512_permutex2var_epi8(plane.part[0], bytes, plane.part[1]), high);
+}
+
+// 64 forms: their bytes by place, and which have a second and a third one.
+struct Forms {
+    __m512i first, second;
+    uint64_t valid, two, three;
+};
+
+NLS_TARGET_AVX512 inline void writeUpToTwo(BridgeWalk& walk, const Forms& forms) {
+    static constexpr auto kFirstTwo = indices([](unsigned i) { return i / 2 + (i % 2 != 0 ? 64 : 0); });
+    constexpr uint64_t kFirsts = 0x5555'5555'5555'5555, kSeconds = kFirsts << 1;
+    for (unsigned from = 0; from < 64; from += 32) {
+        const __m512i index = _mm512_add_epi8(load(kFirstTwo), all(static_cast<int>(from)));
+        const uint64_t mask = _pdep_u64(forms.valid >> from, kFirsts) | _pdep_u64(forms.two >> from, kSeconds);
+        squeeze(walk, mask, _mm512_permutex2var_epi8(forms.first, index, forms.second));
+    }
+}
+
+NLS_TARGET_AVX512 inline void writeUpToThree(BridgeWalk& walk, const Forms& forms, __m512i third) {
+    static constexpr auto kFirstTwo = indices([](unsigned i) { return i / 4 + (i % 2 != 0 ? 64 : 0); });
+    static constexpr auto kThird = indices([](unsigned i) { return i / 4; });
+    constexpr uint64_t kFirsts = 0x1111'1111'1111'1111, kSeconds = kFirsts << 1, kThirds = kFirsts << 2;
+    for (unsigned from = 0; from < 64; from += 16) {
+        const __m512i shift = all(static_cast<int>(from));
+        const __m512i two =
+            _mm512_permutex2var_epi8(forms.first, _mm512_add_epi8(load(kFirstTwo), shift), forms.second);
+        const __m512i form = _mm512_mask_permutexvar_epi8(two, kThirds, _mm512_add_epi8(load(kThird), shift), third);
+        const uint64_t mask = _pdep_u64(forms.valid >> from, kFirsts) | _pdep_u64(forms.two >> from, kSeconds) |
+                              _pdep_u64(forms.three >> from, kThirds);
+        squeeze(walk, mask, form);
+    }
+}
+
+struct Planes {
+    Plane first, second, third;
+    bool usable;  // no form has four bytes
+};
+
+template <bool kAsciiStays>
+NLS_TARGET_AVX512 inline Planes makePlanes(const SbcsWords& words) {
+    Planes planes{makePlane<kAsciiStays>(words, 0), makePlane<kAsciiStays>(words, 1), {}, true};
+    uint64_t three = 0, four = 0;
+    for (unsigned part = kAsciiStays ? 2 : 0; part < 4; ++part) {
+        three |= _mm512_cmpge_epu8_mask(planes.first.part[part], all(0xE0));
+        four |= _mm512_cmpge_epu8_mask(planes.first.part[part], all(0xF0));
+    }
+    if (three != 0) planes.third = makePlane<kAsciiStays>(words, 2);
+    planes.usable = four == 0;
+    return planes;
+}
+
+// Up to 64 characters. False, and nothing written, where they don't fit with one byte to spare, which the last form
+// needs.
+template <bool kAsciiStays>
+NLS_TARGET_AVX512 inline bool writeBlock(const Planes& planes, BridgeWalk& walk) {
+    const std::size_t count = walk.left() < 64 ? walk.left() : 64;
+    Forms forms;
+    forms.valid = lowBits(count);
+    const __m512i bytes = _mm512_maskz_loadu_epi8(forms.valid, walk.source), none = _mm512_setzero_si512();
+    const __mmask64 upper = _mm512_movepi8_mask(bytes);
+    forms.first = lookUp<kAsciiStays>(planes.first, bytes, upper, bytes);
+    forms.two = _mm512_cmpge_epu8_mask(forms.first, all(0xC0)) & forms.valid;
+    forms.three = _mm512_cmpge_epu8_mask(forms.first, all(0xE0)) & forms.valid;
+    if (walk.room() <= count + countBits(forms.two) + countBits(forms.three)) return false;
+    forms.second = lookUp<kAsciiStays>(planes.second, bytes, upper, none);
+    if (forms.three == 0)
+        writeUpToTwo(walk, forms);
+    else
+        writeUpToThree(walk, forms, lookUp<kAsciiStays>(planes.third, bytes, upper, none));
+    walk.source += count;
+    return true;
+}
+
+// Copies up to 64 bytes. False, and nothing written, where they aren't all ASCII, or don't fit, or there are none.
+NLS_TARGET_AVX512 inline bool copyAscii(BridgeWalk& walk) {
+    const std::size_t count = walk.left() < 64 ? walk.left() : 64;
+    const uint64_t valid = lowBits(count);
+    const __m512i bytes = _mm512_maskz_loadu_epi8(valid, walk.source);
+    if (_mm512_movepi8_mask(bytes) != 0 || walk.room() < count || count == 0) return false;
+    _mm512_mask_storeu_epi8(walk.target, valid, bytes);
+    walk.target += count;
+    walk.source += count;
+    return true;
+}
+
+template <bool kAsciiStays>
+NLS_TARGET_AVX512 void toUtf8Blocks(const SbcsWords& words, BridgeWalk& walk) {
+    BridgeWalk at = walk;  // in registers
+    while (kAsciiStays && copyAscii(at)) {
+    }
+    if (at.source != at.sourceEnd) {
+        const Planes planes = makePlanes<kAsciiStays>(words);
+        while (planes.usable && at.source != at.sourceEnd)
+            if (!(kAsciiStays && copyAscii(at)) && !writeBlock<kAsciiStays>(planes, at)) break;
+    }
+    walk = at;
+}
+
+NLS_TARGET_AVX512 bool asciiStays(const SbcsWords& words) {
+    static constexpr auto kWords = [] {
+        std::array<uint32_t, 128> ascii{};
+        for (uint32_t c = 0; c < 128; ++c) ascii[c] = c;
+        return ascii;
+    }();
+    __m512i differences = _mm512_setzero_si512();
+    for (unsigned c = 0; c < 128; c += 16) {
+        const __m512i word = _mm512_loadu_si512(words.utf8 + c), want = _mm512_loadu_si512(kWords.data() + c);
+        differences = _mm512_or_si512(differences, _mm512_xor_si512(word, want));
+    }
+    return _mm512_test_epi8_mask(differences, differences) == 0;
+}
+
+// --- From UTF-8 ---
+
+// Two neighbouring pages: page `number` and the next, `number` being even.
+struct PagePair {
+    __m512i number, even, odd;
+};
+
+NLS_TARGET_AVX512 inline PagePair pagePair(const SbcsPages& pages, unsigned page) {
+    return {all(static_cast<int>(page & ~1U)), _mm512_loadu_si512(pages.page[page & ~1U]),
+            _mm512_loadu_si512(pages.page[page | 1])};
+}
+
+// A block of UTF-8 as masks. Blocks follow each other without regard to characters: what a block's lead bytes announce
+// for the next one is carried over, so that no block has to wait for the length of the one before it.
+struct Shape {
+    uint64_t lead, lead3, lead4;  // lead bytes that announce at least one, two, three more
+    uint64_t ascii, last, four;   // last bytes of characters; those of them with four bytes
+    bool sound;                   // the trailing bytes are just those announced, and no byte stands outside a character
+};
+
+NLS_TARGET_AVX512 inline Shape shapeOf(__m512i bytes, uint64_t valid, const Shape& before) {
+    Shape shape;
+    const uint64_t upper = _mm512_movepi8_mask(bytes), none = _mm512_cmpge_epu8_mask(bytes, all(0xF5));
+    shape.lead = _mm512_cmpge_epu8_mask(bytes, all(0xC0));
+    shape.lead3 = _mm512_cmpge_epu8_mask(bytes, all(0xE0));
+    shape.lead4 = _mm512_cmpge_epu8_mask(bytes, all(0xF0));
+    const uint64_t second = shape.lead << 1 | before.lead >> 63, third = shape.lead3 << 2 | before.lead3 >> 62;
+    const uint64_t fourth = shape.lead4 << 3 | before.lead4 >> 61;
+    const uint64_t two = (shape.lead ^ shape.lead3) << 1 | (before.lead ^ before.lead3) >> 63;
+    const uint64_t three = (shape.lead3 ^ shape.lead4) << 2 | (before.lead3 ^ before.lead4) >> 62;
+    shape.ascii = ~upper & valid;
+    shape.four = fourth & valid;
+    shape.last = shape.ascii | ((two | three | fourth) & valid);
+    shape.sound = ((second | third | fourth) & valid) == (upper & ~shape.lead) && none == 0;
+    return shape;
+}
+
+// The 128 entries of ASCII.
+struct AsciiPage {
+    __m512i low, high;
+    bool identity;
+};
+
+NLS_TARGET_AVX512 inline AsciiPage asciiPage(const unsigned char* page) {
+    static constexpr auto kAscii = indices([](unsigned i) { return i; });
+    const __m512i low = _mm512_loadu_si512(page), high = _mm512_loadu_si512(page + 64), ascii = load(kAscii);
+    const uint64_t differences =
+        _mm512_cmpneq_epi8_mask(low, ascii) | _mm512_cmpneq_epi8_mask(high, _mm512_add_epi8(ascii, all(64)));
+    return {low, high, differences == 0};
+}
+
+// Each byte at the place behind its own.
+NLS_TARGET_AVX512 inline __m512i oneBack(__m512i bytes) {
+    static constexpr auto kBefore = indices([](unsigned i) { return i + 63; });
+    return _mm512_maskz_permutexvar_epi8(~0ULL, load(kBefore), bytes);
+}
+
+// The entries at last bytes of several: `multi` are their places, `before` is the byte in front of each. The pair that
+// the last block needed is looked up first, and given up only when it is of no use.
+NLS_TARGET_AVX512 inline __m512i lookUpPages(const SbcsPages& pages, const unsigned char* place, __m512i mapped,
+                                             __m512i bytes, __m512i before, uint64_t multi, PagePair& hot) {
+    const __m512i page = _mm512_and_si512(before, all(0xFE));
+    // The low six bits of the byte, and in bit 6 the lowest bit of the byte before it.
+    const __m512i index = _mm512_ternarylogic_epi32(all(0x3F), bytes, _mm512_slli_epi16(before, 6), 0xCA);
+    PagePair pair = hot;
+    for (uint64_t rest = multi;;) {
+        const uint64_t hits = _mm512_mask_cmpeq_epi8_mask(rest, page, pair.number);
+        mapped = _mm512_mask_blend_epi8(hits, mapped, _mm512_permutex2var_epi8(pair.even, index, pair.odd));
+        if (rest == multi && hits != 0) hot = pair;
+        rest &= ~hits;
+        if (rest == 0) return mapped;
+        pair = pagePair(pages, place[static_cast<int64_t>(_tzcnt_u64(rest)) - 1]);
+    }
+}
+
+}  // namespace
+
+NLS_TARGET_AVX512 void toUtf8Avx512(const SbcsWords& words, BridgeWalk& walk) {
+    if (asciiStays(words))
+        toUtf8Blocks<true>(words, walk);
+    else
+        toUtf8Blocks<false>(words, walk);
+}
+
+NLS_TARGET_AVX512 void fromUtf8Avx512(const SbcsPages& pages, BridgeWalk& walk) {
+    const AsciiPage ascii = asciiPage(pages.page[0]);
+    PagePair hot{};
+    bool hotKnown = false;
+    BridgeWalk at = walk;
+    Shape shape{};
+    unsigned pending = 0;  // bytes in front of the block that belong to a character which ends in it
+    while (at.source != at.sourceEnd) {
+        const std::size_t count = at.left() < 64 ? at.left() : 64;
+        const uint64_t valid = lowBits(count);
+        const __m512i bytes = _mm512_maskz_loadu_epi8(valid, at.source);
+        if (ascii.identity && pending == 0 && _mm512_movepi8_mask(bytes) == 0) {
+            if (at.room() < count) break;
+            _mm512_mask_storeu_epi8(at.target, valid, bytes);
+            at.target += count;
+            at.source += count;
+            shape = Shape{};
+            continue;
+        }
+        const Shape next = shapeOf(bytes, valid, shape);
+        const unsigned characters = countBits(next.last);
+        if (!next.sound || characters == 0 || at.room() < characters) break;
+        const __m512i before =
+            at.source == walk.source ? oneBack(bytes) : _mm512_maskz_loadu_epi8(valid, at.source - 1);
+        __m512i mapped = ascii.identity ? bytes : _mm512_permutex2var_epi8(ascii.low, bytes, ascii.high);
+        const uint64_t multi = next.last & ~next.ascii & ~next.four;
+        if (multi != 0 && !hotKnown) {
+            hot = pagePair(pages, at.source[_tzcnt_u64(multi) - 1]);
+            hotKnown = true;
+        }
+        if (multi != 0) mapped = lookUpPages(pages, at.source, mapped, bytes, before, multi, hot);
+        // No mapping: "?". NUL alone is what its page says.
+        const uint64_t zeros = _mm512_testn_epi8_mask(mapped, mapped) & _mm512_test_epi8_mask(bytes, bytes);
+        const uint64_t substitutes = (zeros | next.four) & next.last;
+        if (substitutes != 0) {
+            at.substituted = true;
+            mapped = _mm512_mask_mov_epi8(mapped, substitutes, all('?'));
+        }
+        squeeze(at, next.last, mapped);
+        at.source += count;
+        pending = static_cast<unsigned>(_lzcnt_u64(next.last)) - (64 - static_cast<unsigned>(count));
+        shape = next;
+    }
+    walk = at;
+    walk.source -= pending;
+}
+
+}  // namespace nls
