@@ -102,40 +102,39 @@ bool keepsAscii(const SbcsPages& pages) {
     return differences == 0;
 }
 
-// The entry of a character; 0 where it has no mapping. REQUIRES: all of its `length` bytes are there.
-unsigned char entryOf(const SbcsPages& pages, const unsigned char* place, unsigned length) {
+// A character of UTF-8 and its entry: 0 where it has no mapping.
+struct Mapped {
+    unsigned char entry;
+    unsigned length;
+};
+
+// Tests instead of a table of lengths: the processor guesses them, and starts on the next character at once.
+inline Mapped characterAt(const SbcsPages& pages, const unsigned char* place, std::size_t left) {
     const unsigned char lead = place[0];
-    if (lead < 0x80) return pages.page[0][lead];
-    return length == 2 || length == 3 ? pages.page[place[length - 2]][place[length - 1] & 0x3F] : 0;
+    if (lead < 0x80) return {pages.page[0][lead], 1};
+    if (lead < 0xC0 || lead > 0xF4) return {0, 1};
+    if (lead >= 0xF0) return {0, 4};
+    const unsigned length = lead < 0xE0 ? 2 : 3;
+    if (length > left) return {0, length};
+    return {pages.page[place[length - 2]][place[length - 1] & 0x3F], length};
 }
 
 // Character by character, until `stretch` bytes of source are through, or its end.
 nlsStatus fromUtf8Plain(const SbcsPages& pages, BridgeWalk& walk, std::size_t stretch) {
-    const unsigned char* source = walk.source;
-    const unsigned char* const stretchEnd = source + std::min(stretch, walk.left());
-    unsigned char* target = walk.target;
+    BridgeWalk at = walk;
+    const unsigned char* const stretchEnd = at.source + std::min(stretch, at.left());
     nlsStatus status = NLS_OK;
-    while (source < stretchEnd) {
-        const unsigned char lead = *source;
-        const unsigned length = sourceLength(lead);
-        if (length > walk.sourceEnd - source) {
-            status = NLS_BAD_ARG;
-            break;
-        }
-        unsigned char entry = entryOf(pages, source, length);
-        if (entry == 0 && lead != 0) {
-            entry = '?';
-            walk.substituted = true;
-        }
-        if (target == walk.targetEnd) {
-            status = NLS_BUF_SMALL;
-            break;
-        }
-        *target++ = entry;
-        source += length;
+    while (at.source < stretchEnd) {
+        const Mapped character = characterAt(pages, at.source, at.left());
+        const bool none = character.entry == 0 && *at.source != 0;
+        if (character.length > at.left()) status = NLS_BAD_ARG;
+        if (status == NLS_OK && none) at.substituted = true;
+        if (status == NLS_OK && at.room() == 0) status = NLS_BUF_SMALL;
+        if (status != NLS_OK) break;
+        *at.target++ = none ? '?' : character.entry;
+        at.source += character.length;
     }
-    walk.source = source;
-    walk.target = target;
+    walk = at;
     return status;
 }
 
