@@ -1,0 +1,100 @@
+#include "tools/nls/session.hpp"
+
+#include "tools/nls/failure.hpp"
+#include "tools/nls/nearest_names.hpp"
+
+namespace nls::tool {
+namespace {
+
+constexpr std::size_t smallestBlock = std::size_t{1} << 18;
+constexpr std::size_t largestBlock = std::size_t{1} << 24;
+
+std::string openingFailure(nlsStatus status) {
+    switch (status) {
+        case NLS_BAD_MAGIC:
+            return "is no data file of nls";
+        case NLS_BAD_VERSION:
+            return "is a data file of a version that this program doesn't know";
+        case NLS_BAD_TOC:
+            return "is damaged: its table of contents can't be read";
+        default:
+            return "can't be opened as a data file (status " + std::to_string(status) + ")";
+    }
+}
+
+}  // namespace
+
+Session::Session(const std::string& dataFile) : file_(dataFile) {
+    nlsStatus status = NLS_NO_MEM;
+    for (std::size_t size = smallestBlock; status == NLS_NO_MEM && size <= largestBlock; size *= 2) {
+        buffers_.clear();
+        status = open(size);
+    }
+    if (status != NLS_OK) throw Failure(Exit::fileTrouble, dataFile + " " + openingFailure(status));
+}
+
+Session::~Session() {
+    nlsClose(handle_);
+}
+
+nlsStatus Session::open(std::size_t blockSize) {
+    buffers_.push_back(std::make_unique<uint64_t[]>(blockSize / sizeof(uint64_t)));
+    bufferSize_ = blockSize;
+    return nlsInit(static_cast<uint32_t>(file_.descriptor()), buffers_.back().get(), static_cast<int32_t>(blockSize),
+                   &nlsToolRead, &handle_);
+}
+
+template <typename Create>
+nlsStatus Session::withRoom(Create create, nlsStatus full) {
+    nlsStatus status = create();
+    for (std::size_t size = smallestBlock; status == full && size <= largestBlock; size *= 2) {
+        buffers_.push_back(std::make_unique<uint64_t[]>(size / sizeof(uint64_t)));
+        earlierBuffers_ += bufferSize_ - handle_->freeBytes;
+        bufferSize_ = size;
+        if (nlsAddBuffer(handle_, buffers_.back().get(), static_cast<int32_t>(size)) != NLS_OK) break;
+        status = create();
+    }
+    return status;
+}
+
+std::vector<nlsTocEntry> Session::contents() const {
+    return {handle_->toc, handle_->toc + (handle_->tocCount > 0 ? handle_->tocCount : 0)};
+}
+
+std::vector<std::string> Session::charsets() const {
+    constexpr uint16_t attributeTable = 2;
+    std::vector<std::string> names;
+    for (const nlsTocEntry& entry : contents()) {
+        if (entry.entryType == attributeTable) names.emplace_back(entry.name1);
+    }
+    return names;
+}
+
+nlsLocale* Session::locale(const std::string& charset) {
+    nlsLocale* made = nullptr;
+    const nlsStatus status = withRoom(
+        [&] { return nlsCreateLocale(handle_, charset.c_str(), NLS_NO_COLLATION, nullptr, &made); }, NLS_NO_MEM);
+    // A locale may stand though its companion for comparison couldn't be made; conversion doesn't need that.
+    if (made != nullptr) return made;
+    if (status == NLS_NO_ATTRIB_TABLE) {
+        throw Failure(Exit::usage, "unknown charset \"" + charset + "\"" + nearestNamesHint(charset, charsets()) +
+                                       "; nls list shows all");
+    }
+    throw Failure(Exit::fileTrouble, dataFile() + ": the record of charset \"" + charset + "\" can't be read (status " +
+                                         std::to_string(status) + ")");
+}
+
+const nlsConversion* Session::conversion(nlsLocale* from, nlsLocale* to) {
+    nlsConversion* made = nullptr;
+    const nlsStatus status = withRoom([&] { return nlsCreateConversion(handle_, from, to, &made); }, NLS_NO_MEM);
+    if (status == NLS_OK) return made;
+    if (status == NLS_NO_CONV_TABLE) return nullptr;
+    throw Failure(Exit::fileTrouble, dataFile() + ": the conversion from " + from->charsetName + " to " +
+                                         to->charsetName + " can't be loaded (status " + std::to_string(status) + ")");
+}
+
+uint64_t Session::arenaUsed() const {
+    return earlierBuffers_ + bufferSize_ - handle_->freeBytes;
+}
+
+}  // namespace nls::tool

@@ -1,0 +1,51 @@
+// The library with a data file open, through its public interface.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "nls/nls.h"
+#include "tools/nls/data_file.hpp"
+
+namespace nls::tool {
+
+// Opens a handle on a data file and gives its arena further buffers as objects need them. What goes wrong is thrown as
+// a Failure.
+class Session {
+public:
+    explicit Session(const std::string& dataFile);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    const std::string& dataFile() const { return file_.path(); }
+
+    // The charsets of the file, as it spells them, in its order.
+    std::vector<std::string> charsets() const;
+    // Records of the file's table of contents.
+    std::vector<nlsTocEntry> contents() const;
+
+    // A locale of a charset, without collation and case table. An unknown name is a usage failure with the nearest
+    // names.
+    nlsLocale* locale(const std::string& charset);
+    // Null if the file knows no way from one to the other.
+    const nlsConversion* conversion(nlsLocale* from, nlsLocale* to);
+
+    // Bytes of the arena that objects and tables have taken so far.
+    uint64_t arenaUsed() const;
+
+private:
+    nlsStatus open(std::size_t blockSize);
+    // Calls `create` again with a further, larger buffer as long as it answers `full`.
+    template <typename Create>
+    nlsStatus withRoom(Create create, nlsStatus full);
+
+    OpenFile file_;
+    std::vector<std::unique_ptr<uint64_t[]>> buffers_;  // words, for their alignment
+    nlsHandle* handle_ = nullptr;
+    uint64_t earlierBuffers_ = 0;  // sizes of the buffers in front of the one in use
+    uint64_t bufferSize_ = 0;
+};
+
+}  // namespace nls::tool
