@@ -9,6 +9,7 @@
 #include "nls/handle.h"
 #include "nls/inner.h"
 #include "nls/status.h"
+#include "tests/tools/map_folder.hpp"
 #include "tools/mkconvmap/compile.hpp"
 #include "tools/mkconvmap/read_back.hpp"
 #include "tools/mkconvmap/row_source.hpp"
@@ -17,10 +18,6 @@ namespace nls::test {
 namespace {
 
 using namespace mkconvmap;
-
-std::filesystem::path dataFolder() {
-    return std::filesystem::path{NLS_TEST_DATA}.parent_path().parent_path() / "data";
-}
 
 const CompiledMap& realMap() {
     static const CompiledMap map = compileMap(readMap(dataFolder() / "convmap.list"));

@@ -56,7 +56,12 @@ private:
     std::filesystem::path folder_;
 };
 
-// Three small charsets that occur in most of the tests.
+// The folder of the real descriptions.
+inline std::filesystem::path dataFolder() {
+    return std::filesystem::path{NLS_TEST_DATA}.parent_path().parent_path() / "data";
+}
+
+// A few small charsets that occur in most of the tests.
 inline void addSmallCharsets(const MapFolder& folder) {
     folder.charset("UTF-8", "charset UTF-8\nkind utf-8\n");
     folder.charset("UTF-16", "charset UTF-16\nkind utf-16\n");

@@ -117,6 +117,22 @@ TEST_F(ReadBack, EveryWrongByteIsNoticed) {
     EXPECT_FALSE(isNoticed(map, image));
 }
 
+// Words all over the arrays of a multi-byte charset: characters, rows, cells.
+TEST_F(ReadBack, WrongWordsOfArraysAreNoticed) {
+    std::filesystem::copy_file(dataFolder() / "charsets/GB2312.txt", folder_.path("charsets/GB2312.txt"));
+    const CompiledMap map = folder_.compile("charset UTF-8 GB2312\nconvert UTF-8 GB2312\n");
+    Image image = map.file.build();
+    const std::size_t arrays = format::header::kSize + 4 * format::entry::kSize + 2 * format::attributes::kSize +
+                               format::conversion::kSize + format::ucs2::kArrayPrefix;
+    ASSERT_GT(image.size(), arrays + 50000);
+    for (std::size_t place = arrays + 1; place < image.size(); place += 2 * 997) {
+        image[place] ^= 0x15;
+        EXPECT_TRUE(isNoticed(map, image)) << "byte " << place;
+        image[place] ^= 0x15;
+    }
+    EXPECT_FALSE(isNoticed(map, image));
+}
+
 TEST_F(ReadBack, EveryTruncationIsNoticed) {
     const CompiledMap map = folder_.compile("charset UTF-8 LATIN\nconvert UTF-8 LATIN\n");
     const Image image = map.file.build();

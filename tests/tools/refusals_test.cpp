@@ -16,7 +16,7 @@ TEST(Refusals, OfACharset) {
     } rows[] = {
         {"", "charsets/X.txt: the charset has no name: a line \"charset NAME\" is missing"},
         {"charset X\n", "charsets/X.txt: the charset has no kind: a line \"kind …\" is missing"},
-        {"charset Y\nkind utf-8\n", "charsets/X.txt:1: the file of X describes Y"},
+        {"charset Y\nkind single-byte\nsource iconv ISO-8859-1\n", "charsets/X.txt:1: the file of X describes Y"},
         {"charset X\ncharset X\n", "charsets/X.txt:2: the charset has a name already"},
         {"charset\n", "charsets/X.txt:1: charset needs a name"},
         {"charset X Y\n", "charsets/X.txt:1: \"Y\" is too much for charset"},
@@ -27,6 +27,12 @@ TEST(Refusals, OfACharset) {
         {kHead + "wide 41\n", "charsets/X.txt:3: \"wide\" means nothing in a charset of this kind"},
         {"charset X\nkind utf-8\norder big\n", "charsets/X.txt:3: \"order\" means nothing in a charset of this kind"},
         {"charset X\nkind utf-16\norder middle\n", "charsets/X.txt:3: \"middle\" is no order: little or big"},
+        {"charset X\nkind utf-8\n",
+         "charsets/X.txt:1: the library looks for this form of Unicode under the name UTF-8"},
+        {"charset X\nkind utf-16\n",
+         "charsets/X.txt:1: the library looks for this form of Unicode under names that begin with UTF-16"},
+        {"charset Undefined\n",
+         "charsets/X.txt:1: the library takes the name Undefined for a charset that is never converted"},
         {kHead + "row 00 \x01\n", "charsets/X.txt:3: a control character stands in the line"},
         // Sources.
         {kHead + "source\n", "charsets/X.txt:3: source needs a library, icu or iconv"},
@@ -98,12 +104,24 @@ TEST(Refusals, OfAList) {
         {charsets + "convert LATIN CYRILLIC UTF-8\n",
          "map.list:2: LATIN to UTF-8 has to stand in front of the conversions without UTF-8, or routes of two steps "
          "would miss UTF-8"},
+        {charsets + "charset UTF-16LE\nconvert UTF-16 UTF-16LE\n",
+         "map.list:3: no conversion type leads from UTF-16 to UTF-16LE"},
+        {charsets + "charset GB2312\nconvert LATIN GB2312\n",
+         "map.list:3: no conversion type leads from LATIN to GB2312"},
+        {charsets + "charset GB2312\nconvert UTF-16 GB2312\n",
+         "map.list:3: UTF-16 to GB2312 needs the conversion UTF-8 to GB2312"},
+        {charsets + "charset SHIFT-JIS EUCJIS\nconvert UTF-8 SHIFT-JIS EUCJIS\n",
+         "charsets/EUCJIS.txt:3: EUCJIS needs the conversion EUCJIS to SHIFT-JIS"},
         {charsets + "convert-by-rule LATIN CYRILLIC\n",
          "map.list:2: the rule between Shift-JIS and EUC needs two multi-byte charsets"},
     };
     for (const auto& row : rows) {
         const MapFolder folder;
         addSmallCharsets(folder);
+        for (const char* name : {"UTF-16LE", "GB2312", "SHIFT-JIS", "EUCJIS"}) {
+            const std::string file = std::string{"charsets/"} + name + ".txt";
+            std::filesystem::copy_file(dataFolder() / file, folder.path(file));
+        }
         EXPECT_EQ(folder.refusal(row.text), row.message) << row.text;
     }
 }
@@ -113,13 +131,13 @@ TEST(Refusals, OfOneEntryTooMany) {
     const MapFolder folder;
     std::string list;
     for (int number = 0; number < 1000; ++number) {
-        const std::string name = "X" + std::to_string(number);
-        folder.charset(name, "charset " + name + "\nkind utf-32\n");
+        const std::string name = "UCS2-" + std::to_string(number);
+        folder.charset(name, "charset " + name + "\nkind ucs2\n");
         list += "charset " + name + "\n";
     }
     EXPECT_EQ(folder.refusal(list),
-              "charsets/X999.txt:1: the entry X999 is one more than the 999 that the contents can hold");
-    EXPECT_EQ(folder.refusal(list.substr(0, list.size() - 13)), "");
+              "charsets/UCS2-999.txt:1: the entry UCS2-999 is one more than the 999 that the contents can hold");
+    EXPECT_EQ(folder.refusal(list.substr(0, list.size() - 17)), "");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "core/base/names.hpp"
 #include "tools/mkconvmap/row_source.hpp"
 
 namespace nls::mkconvmap {
@@ -46,6 +47,9 @@ private:
     void readName(const Line& line) {
         if (!charset_.name.empty()) fail(line.place, "the charset has a name already");
         charset_.name = checkedName(line.place, line.field(1, "a name"));
+        if (sameName(charset_.name.c_str(), "undefined")) {
+            fail(line.place, "the library takes the name " + charset_.name + " for a charset that is never converted");
+        }
         charset_.place = line.place;
         line.endsAfter(2);
     }
@@ -181,7 +185,23 @@ private:
         return {file_.file, line != 0 ? line : charset_.place.line};
     }
 
+    // The library knows the forms of Unicode by how their names begin.
+    void checkUnicodeName() const {
+        static const std::map<CharsetKind, std::string> beginnings{
+            {CharsetKind::utf8, "UTF-8"},
+            {CharsetKind::ucs2, "UCS2"},
+            {CharsetKind::utf16, "UTF-16"},
+            {CharsetKind::utf32, "UTF-32"},
+        };
+        const std::string& beginning = beginnings.at(charset_.kind);
+        const bool onlyName = charset_.kind == CharsetKind::utf8;
+        if (onlyName ? charset_.name == beginning : charset_.name.starts_with(beginning)) return;
+        fail(charset_.place, "the library looks for this form of Unicode under " +
+                                 std::string(onlyName ? "the name " : "names that begin with ") + beginning);
+    }
+
     void finishUnicode() {
+        checkUnicodeName();
         const auto fill = [this](uint32_t first, uint32_t last, uint8_t count) {
             for (uint32_t byte = first; byte <= last; ++byte) charset_.lengths[byte] = count;
         };

@@ -10,6 +10,7 @@ namespace nls::mkconvmap {
 namespace {
 
 const std::string kUtf8 = "UTF-8";
+const std::string kShiftJis = "SHIFT-JIS";
 
 bool isConversion(const FileEntry& entry) {
     return entry.type == format::EntryType::conversion;
@@ -25,6 +26,7 @@ public:
         for (const MapItem& item : source.items) std::visit([this](const auto& what) { add(what); }, item);
         checkOrder();
         checkRoutesOfUnits16();
+        checkShiftJisCompanions();
     }
     CompiledMap finish() { return std::move(map_); }
 
@@ -90,13 +92,26 @@ private:
         }
     }
 
+    // A locale of a charset that compares through Shift-JIS brings a locale of that name and the conversion to it.
+    void checkShiftJisCompanions() const {
+        for (const CompiledCharset& charset : map_.charsets) {
+            const Place& place = charset.source.place;
+            if (charset.source.viaShiftJis) requireEntry(place, charset.source.name, charset.source.name, kShiftJis);
+        }
+    }
+
     void requireEntry(const FileEntry& asking, const std::string& from, const std::string& to) const {
+        requireEntry(asking.place, asking.name1 + " to " + asking.name2, from, to);
+    }
+    void requireEntry(const Place& place, const std::string& what, const std::string& from,
+                      const std::string& to) const {
         const auto& entries = map_.file.entries();
         const auto is = [&](const FileEntry& entry) {
             return isConversion(entry) && entry.name1 == from && entry.name2 == to;
         };
-        if (std::any_of(entries.begin(), entries.end(), is)) return;
-        fail(asking.place, asking.name1 + " to " + asking.name2 + " needs the conversion " + from + " to " + to);
+        if (std::none_of(entries.begin(), entries.end(), is)) {
+            fail(place, what + " needs the conversion " + from + " to " + to);
+        }
     }
 
     CompiledMap map_;

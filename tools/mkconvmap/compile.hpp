@@ -1,5 +1,5 @@
 // From descriptions to the entries of the data file.
-// Tested by tests/tools/compile_test.cpp and tests/tools/refusals_test.cpp.
+// Tested by tests/tools/read_back_test.cpp and tests/tools/refusals_test.cpp.
 #pragma once
 
 #include <vector>

@@ -3,7 +3,7 @@
 //   header | contents, one entry each | records and arrays, in the order in which entries first need them
 //
 // Records that are equal, their arrays too, are written once and shared.
-// Tested by tests/tools/file_writer_test.cpp.
+// Tested by tests/tools/read_back_test.cpp.
 #pragma once
 
 #include <cstdint>
