@@ -160,7 +160,6 @@ struct Difference {
     char32_t theirs;
     const char* why;
 };
-const char* const kControls = "ICU exchanges three controls of the DOS pages; ASCII is wanted";
 const char* const kMicro = "ICU reads the sign as the Greek letter";
 const char* const kRoman = "another edition, which gives some characters to two bytes";
 const Difference kDifferences[] = {
@@ -182,6 +181,7 @@ const Difference kDifferences[] = {
     {"ROMAN-8", "icu", 0xF6, 0x2D, kRoman},
 };
 
+// Besides, ICU exchanges three controls of every DOS page; ASCII is wanted.
 bool isKnownDifference(const std::string& charset, const std::string& library, uint32_t byte, char32_t theirs) {
     const bool isDosPage = charset == "720" || charset.starts_with("IBM4") || charset.starts_with("IBM8");
     if (isDosPage && library == "icu") {
