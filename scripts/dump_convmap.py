@@ -229,8 +229,9 @@ class SingleByte:
         return [(0, text[0]), (text[0], text[-1] & 0x3F), (text[len(text) // 2], text[-1] & 0x3F)][len(text) - 1]
 
     def codes(self):
+        """(bytes, code point) of every byte; U+FFFD for one whose unit only fills its place."""
         for byte, unit in enumerate(self.units):
-            yield bytes([byte]), unit
+            yield bytes([byte]), 0xFFFD if unit == 0xF700 + byte else unit
 
     def back(self, point):
         byte = self.places.get(self.place(point), 0)

@@ -44,5 +44,10 @@ export LD_LIBRARY_PATH=${libs[0]#-L}
 try pkg-config "$work/c_program" "$work/cxx_program" "$convmap"
 unset LD_LIBRARY_PATH
 
-# The tools find libnls.so and the data file beside themselves.
+# The tools find libnls.so and the data file beside themselves, also by way of a link from elsewhere.
 "$tree/bin/mkconvmap" --help >/dev/null
+ln -s "$tree/bin/nls" "$work/nls"
+for nls in "$tree/bin/nls" "$work/nls"; do
+    "$nls" convert -f UTF-8 -t SHIFT-JIS "$text" | cmp - "$work/pkg-config.sjis"
+done
+echo "nls: the installed command makes the same of it"
