@@ -95,7 +95,7 @@ private:
 
 LoadedTable TableLoader::load(NamePair pair, LoadOptions options, unsigned nested) {
     if (isIdentity(pair)) return {NLS_OK, nullptr};
-    nlsTocEntry* const entry = context_.contents.findConversion(pair);
+    nlsTocEntry* const entry = context_.contents.find(pair);
     if (entry == nullptr) {
         const LoadedTable steps = makeTwoSteps(pair, nested);
         return steps.status == NLS_OK ? steps : kNoTable;

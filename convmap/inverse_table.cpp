@@ -16,12 +16,12 @@ nlsStatus install(const LoadContext& context, nlsTocEntry& entry, ByteView block
 }  // namespace
 
 nlsStatus installInverse(const LoadContext& context, NamePair pair, ByteView block) {
-    nlsTocEntry* const entry = context.contents.findConversion(pair);
+    nlsTocEntry* const entry = context.contents.find(pair);
     return entry == nullptr ? NLS_NO_CONV_TABLE : install(context, *entry, block);
 }
 
 nlsStatus installInverse(const LoadContext& context, NamePair pair, ByteView block, TableBlock kind) {
-    nlsTocEntry* const entry = context.contents.findConversion(pair);
+    nlsTocEntry* const entry = context.contents.find(pair);
     if (entry == nullptr || blockOf(ConvTable::typeOfWord(entry->rawByte)) != kind) return NLS_NO_CONV_TABLE;
     return install(context, *entry, block);
 }

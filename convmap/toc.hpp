@@ -38,7 +38,7 @@ public:
     // The first record of the type with this name, or with these two; null without one.
     nlsTocEntry* find(format::EntryType type, const char* name1) const;
     nlsTocEntry* find(format::EntryType type, const char* name1, const char* name2) const;
-    nlsTocEntry* findConversion(NamePair pair) const { return find(format::EntryType::conversion, pair.from, pair.to); }
+    nlsTocEntry* find(NamePair pair) const { return find(format::EntryType::conversion, pair.from, pair.to); }
 
 private:
     std::span<nlsTocEntry> entries_;

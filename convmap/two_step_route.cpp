@@ -34,7 +34,7 @@ bool isConversionTo(const nlsTocEntry& entry, const char* to) {
 TwoStepRoute searchFromSource(const Contents& contents, NamePair pair) {
     for (const nlsTocEntry& first : contents.entries()) {
         if (!isConversionFrom(first, pair.from)) continue;
-        if (const nlsTocEntry* const second = contents.findConversion({first.name2, pair.to})) return {&first, second};
+        if (const nlsTocEntry* const second = contents.find({first.name2, pair.to})) return {&first, second};
     }
     return {};
 }
@@ -42,7 +42,7 @@ TwoStepRoute searchFromSource(const Contents& contents, NamePair pair) {
 TwoStepRoute searchFromTarget(const Contents& contents, NamePair pair) {
     for (const nlsTocEntry& second : contents.entries()) {
         if (!isConversionTo(second, pair.to)) continue;
-        if (const nlsTocEntry* const first = contents.findConversion({pair.from, second.name1}))
+        if (const nlsTocEntry* const first = contents.find({pair.from, second.name1}))
             return {first, &second};
     }
     return {};

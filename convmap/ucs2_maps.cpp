@@ -37,7 +37,7 @@ bool leadsToUnicode(ConvType type) {
 
 ReadMaps readUcs2Maps(const LoadContext& context, NamePair pair) {
     ReadMaps answer = {};
-    const nlsTocEntry* const entry = context.contents.findConversion(pair);
+    const nlsTocEntry* const entry = context.contents.find(pair);
     if (entry == nullptr || entry->offset == 0) {
         answer.status = NLS_NO_CONV_TABLE;
         return answer;
