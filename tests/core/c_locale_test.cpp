@@ -1,0 +1,84 @@
+// Names under several locales of the process: the C library's table folds their case, and a Turkish one folds "i" apart.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "nls/inner.h"
+#include "nls/objects.h"
+#include "tests/support/c_locales.hpp"
+#include "tests/support/convmap_builder.hpp"
+#include "tests/support/open_handle.hpp"
+
+namespace {
+
+using nls::test::OpenHandle;
+using nls::test::smallWorld;
+
+struct Under {
+    const char* language;
+    const char* encoding;
+    bool foldsDottedI;   // "i" is the small letter of "I"
+    bool foldsUmlauts;   // the byte E4 is the small letter of C4
+};
+
+class NamesUnder : public testing::TestWithParam<Under> {
+protected:
+    void SetUp() override {
+        if (!locales_.use(GetParam().language, GetParam().encoding)) GTEST_SKIP() << "the locale can't be made here";
+    }
+
+private:
+    nls::test::CLocales locales_;
+};
+
+void expectComparison(const Under& under) {
+    EXPECT_EQ(nlsStbcmp("utf-8", "UTF-8  "), 0);
+    EXPECT_EQ(nlsStbcmp("koi8-r", "KOI8-R") == 0, under.foldsDottedI);
+    EXPECT_EQ(nlsStbcmp("\xE4", "\xC4") == 0, under.foldsUmlauts);
+    EXPECT_EQ(nlsStbcmp("\xE4", "a"), -1) << "bytes from 80 on sort first, as signed values";
+    EXPECT_EQ(nlsStbcmp("z", "\xFF"), 1);
+    for (int byte = 1; byte < 256; ++byte) {
+        const char name[] = {static_cast<char>(byte), ' ', '\0'};
+        const char same[] = {static_cast<char>(byte), '\0'};
+        EXPECT_EQ(nlsStbcmp(name, same), 0) << byte;
+    }
+}
+
+void expectLookUps(const Under& under) {
+    OpenHandle open{smallWorld().build()};
+    ASSERT_TRUE(open.isOpen());
+    EXPECT_NE(open.locale("utf-8"), nullptr);
+    EXPECT_NE(open.locale("LATIN"), nullptr);
+    EXPECT_EQ(open.locale("latin") != nullptr, under.foldsDottedI);
+    EXPECT_NE(open.conversion("LATIN", "utf-16"), nullptr) << "a way of two steps";
+    nlsConvTable* table = nullptr;
+    EXPECT_EQ(nlsGetConvTablePtr(open.handle, "undefined", "LATIN", 0, &table), NLS_OK);
+    EXPECT_EQ(table, nullptr);
+
+    // The companions of EUCJIS are asked for as "shift-jis", and the file spells it in capitals.
+    nlsLocale* locale = nullptr;
+    EXPECT_EQ(nlsCreateLocale(open.handle, "EUCJIS", NLS_NO_COLLATION, nullptr, &locale),
+              under.foldsDottedI ? NLS_OK : NLS_NO_ATTRIB_TABLE);
+    EXPECT_NE(locale, nullptr);
+}
+
+// One test, since each makes its locale anew.
+TEST_P(NamesUnder, CompareAndAreFoundByTheTableOfTheProcess) {
+    expectComparison(GetParam());
+    expectLookUps(GetParam());
+}
+
+// A locale of UTF-8 has no upper case for bytes from 80 on, and none within a byte for the Turkish "i".
+INSTANTIATE_TEST_SUITE_P(, NamesUnder,
+                         testing::Values(Under{"C", "", true, false}, Under{"C", "UTF-8", true, false},
+                                         Under{"de_DE", "ISO-8859-1", true, true}, Under{"de_DE", "UTF-8", true, false},
+                                         Under{"tr_TR", "ISO-8859-9", false, true},
+                                         Under{"tr_TR", "UTF-8", false, false}),
+                         [](const auto& param) {
+                             std::string name = std::string(param.param.language) + "_" + param.param.encoding;
+                             for (char& c : name)
+                                 if (c == '-') c = '_';
+                             return name;
+                         });
+
+}  // namespace
