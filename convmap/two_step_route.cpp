@@ -42,8 +42,7 @@ TwoStepRoute searchFromSource(const Contents& contents, NamePair pair) {
 TwoStepRoute searchFromTarget(const Contents& contents, NamePair pair) {
     for (const nlsTocEntry& second : contents.entries()) {
         if (!isConversionTo(second, pair.to)) continue;
-        if (const nlsTocEntry* const first = contents.find({pair.from, second.name1}))
-            return {first, &second};
+        if (const nlsTocEntry* const first = contents.find({pair.from, second.name1})) return {first, &second};
     }
     return {};
 }

@@ -29,7 +29,7 @@ TEST(AttribTable, FillsEachMapUpToItsSize) {
     const struct {
         const char* size;
         uint32_t filled;
-    } rows[] = {{" 256", 256}, {"0255", 255}, {"   1", 1}, {"0000", 0},   {"0257", 256},
+    } rows[] = {{" 256", 256}, {"0255", 255}, {"   1", 1}, {"0000", 0}, {"0257", 256},
                 {"9999", 256}, {"-005", 0},   {"-999", 0}, {"size", 0}, {"12 4", 12}};
     for (const auto& row : rows) {
         std::memcpy(file.data() + 80, row.size, 4);

@@ -38,15 +38,16 @@ Got get(OpenHandle& open, const char* from, const char* to, uint32_t options = 0
 
 TEST(ConvTableLoad, IdentityNeedsNoEntry) {
     OpenHandle open{smallWorld().build()};
-    for (const auto& [from, to] : {std::pair{"LATIN", "latin  "}, {"nowhere", "NOWHERE"}, {"undefined", "nowhere"}, {"LATIN", "Undefined "}}) {
+    for (const auto& [from, to] :
+         {std::pair{"LATIN", "latin  "}, {"nowhere", "NOWHERE"}, {"undefined", "nowhere"}, {"LATIN", "Undefined "}}) {
         const Got got = get(open, from, to);
         EXPECT_EQ(got.status, NLS_OK);
         EXPECT_EQ(got.table, nullptr);
     }
 }
 
-// The type word of each code; a code without one is refused. Three ways lead to the same: a record, a bare entry, and the
-// entry's raw byte has no say where there is a record.
+// The type word of each code; a code without one is refused. Three ways lead to the same: a record, a bare entry, and
+// the entry's raw byte has no say where there is a record.
 TEST(ConvTableLoad, EveryCodeHasItsTypeWordOrIsRefused) {
     const std::map<unsigned, int64_t> mapped = {
         {144, 0x097}, {145, 0x218}, {146, 0x117}, {147, 0x418}, {148, 0x099}, {149, 0x21A}, {150, 0x119}, {151, 0x41A},
@@ -100,7 +101,8 @@ TEST(ConvTableLoad, AByteMapHasItsBytesAndNeverFewer) {
             EXPECT_GE(before - open.handle->freeBytes, 8 + bytes) << row.size;
             EXPECT_LE(before - open.handle->freeBytes, 8 + bytes + 7) << row.size;
             const auto* const block = reinterpret_cast<const unsigned char*>(got.table);
-            for (uint32_t i = 0; i < bytes; ++i) ASSERT_EQ(block[i], i < row.used ? slot[i] : 0) << row.size << " " << i;
+            for (uint32_t i = 0; i < bytes; ++i)
+                ASSERT_EQ(block[i], i < row.used ? slot[i] : 0) << row.size << " " << i;
         }
     OpenHandle bare{ConvmapBuilder{}.bare("A", "B", 1).build()};
     const Got got = get(bare, "A", "B");
@@ -118,8 +120,11 @@ TEST(ConvTableLoad, TheOptionRefusesUnmarkedByteMaps) {
 }
 
 TEST(ConvTableLoad, ATableIsReadOnceAndItsInverseWithIt) {
-    const char* const pairs[][2] = {{"LATIN", "UTF-8"},        {"CYRILLIC", "UTF-8"},   {"SHIFT-JIS", "UTF-8"},
-                                    {"SHIFT-JIS", "UTF-16"},   {"SHIFT-JIS", "EUCJIS"}};
+    const char* const pairs[][2] = {{"LATIN", "UTF-8"},
+                                    {"CYRILLIC", "UTF-8"},
+                                    {"SHIFT-JIS", "UTF-8"},
+                                    {"SHIFT-JIS", "UTF-16"},
+                                    {"SHIFT-JIS", "EUCJIS"}};
     for (const bool reverseFirst : {false, true})
         for (const auto& pair : pairs) {
             OpenHandle open{smallWorld().build()};

@@ -122,7 +122,8 @@ TEST(Contents, HoldFrom0To999Entries) {
     ASSERT_EQ(open.status, NLS_OK);
     nlsConvTable* table = nullptr;
     EXPECT_EQ(nlsGetConvTablePtr(open.handle, "UTF-8", "N997", 0, &table), NLS_OK);
-    EXPECT_EQ(nlsGetConvTablePtr(open.handle, "UTF-8", "UTF-16", 0, &table), NLS_OK) << "the longest search for a route";
+    EXPECT_EQ(nlsGetConvTablePtr(open.handle, "UTF-8", "UTF-16", 0, &table), NLS_OK)
+        << "the longest search for a route";
 }
 
 // Reads of the contents: one for the header and one for each entry, in order, and none of any data.

@@ -67,10 +67,10 @@ TEST(TwoStepRoute, IsTheFirstPairOfThePlainSearch) {
 
 TEST(TwoStepRoute, TheSideThatIsSearchedFromGoesByTheOrderOfThePrefixes) {
     // Two routes between two Unicode charsets; each side meets another of them first.
-    std::vector<nlsTocEntry> toc = {conversion("UTF-16", "A"), conversion("B", "UTF-8"), conversion("A", "UTF-8"),
-                                    conversion("UTF-16", "B"), conversion("UCS2", "B"),  conversion("UCS2", "A"),
+    std::vector<nlsTocEntry> toc = {conversion("UTF-16", "A"),  conversion("B", "UTF-8"),   conversion("A", "UTF-8"),
+                                    conversion("UTF-16", "B"),  conversion("UCS2", "B"),    conversion("UCS2", "A"),
                                     conversion("A", "UTF-32X"), conversion("B", "UTF-32X"), conversion("UTF-8", "A"),
-                                    conversion("A", "X"), conversion("X", "A")};
+                                    conversion("A", "X"),       conversion("X", "A")};
     const struct {
         const char* why;
         NamePair pair;

@@ -105,7 +105,8 @@ TEST(Ucs2Maps, AnArrayMayEndWhereTheFileEnds) {
     const std::size_t attributes = nls::format::attributes::kSize;
     // The array stands behind the record, in front of the attribute table: put a copy of it at the very end.
     const std::size_t place = file.size() - attributes - nls::format::ucs2::kArrayPrefix - 100;
-    const Bytes array(file.begin() + static_cast<std::ptrdiff_t>(place), file.end() - static_cast<std::ptrdiff_t>(attributes));
+    const Bytes array(file.begin() + static_cast<std::ptrdiff_t>(place),
+                      file.end() - static_cast<std::ptrdiff_t>(attributes));
     const auto moved = static_cast<uint32_t>(file.size());
     file.insert(file.end(), array.begin(), array.end());
     const std::size_t record = 16 + 3 * 64;

@@ -70,7 +70,8 @@ void expectTables(const UnitTable& units, unsigned char code, const char* why) {
     const Plain plain = plainTables(units);
     OpenHandle open{world(units, code).build()};
     nlsConvTable *forth = nullptr, *back = nullptr;
-    ASSERT_EQ(nlsGetConvTablePtr(open.handle, "SBCS", "UTF-8", 0, &forth), plain.sound ? NLS_OK : NLS_NO_CONV_TABLE) << why;
+    ASSERT_EQ(nlsGetConvTablePtr(open.handle, "SBCS", "UTF-8", 0, &forth), plain.sound ? NLS_OK : NLS_NO_CONV_TABLE)
+        << why;
     if (!plain.sound) {
         EXPECT_EQ(computeUtf8TableData(open.handle, "SBCS", "UTF-8", code, units.data(), &forth), NLS_BAD_TABLE) << why;
         EXPECT_EQ(nlsGetConvTablePtr(open.handle, "UTF-8", "SBCS", 0, &back), NLS_NO_CONV_TABLE) << why;
@@ -132,7 +133,8 @@ TEST(Utf8Tables, AreThoseOfThePlainComputation) {
     std::mt19937 random{17};
     for (int round = 0; round < 150; ++round) {
         UnitTable units = upperHalfAt(0x80);
-        for (unsigned c = 0x80; c < 256; ++c) units[c] = static_cast<uint16_t>(round % 2 ? random() % 0x800 + c : (c << 4) + random() % 16 + 0x1000);
+        for (unsigned c = 0x80; c < 256; ++c)
+            units[c] = static_cast<uint16_t>(round % 2 ? random() % 0x800 + c : (c << 4) + random() % 16 + 0x1000);
         expectTables(units, 19, "random units");
     }
 }
@@ -155,7 +157,8 @@ TEST(Utf8Tables, WhatIsMissingHasItsStatus) {
         EXPECT_EQ(computeUtf8TableData(open.handle, "SBCS", "UTF-8", type, units.data(), &table), NLS_BAD_TABLE);
     alignas(2) unsigned char odd[513];
     std::memcpy(odd + 1, units.data(), 512);
-    EXPECT_EQ(computeUtf8TableData(open.handle, "SBCS", "UTF-8", 19, reinterpret_cast<uint16_t*>(odd + 1), &table), NLS_OK);
+    EXPECT_EQ(computeUtf8TableData(open.handle, "SBCS", "UTF-8", 19, reinterpret_cast<uint16_t*>(odd + 1), &table),
+              NLS_OK);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Names under several locales of the process: the C library's table folds their case, and a Turkish one folds "i" apart.
+// Names under several locales of the process: the C library's table folds their case, and a Turkish one folds "i"
+// apart.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,8 +18,8 @@ using nls::test::smallWorld;
 struct Under {
     const char* language;
     const char* encoding;
-    bool foldsDottedI;   // "i" is the small letter of "I"
-    bool foldsUmlauts;   // the byte E4 is the small letter of C4
+    bool foldsDottedI;  // "i" is the small letter of "I"
+    bool foldsUmlauts;  // the byte E4 is the small letter of C4
 };
 
 class NamesUnder : public testing::TestWithParam<Under> {

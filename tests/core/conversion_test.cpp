@@ -59,7 +59,8 @@ TEST(Conversion, ChecksTheHandlesAndLocalesInTheirOrder) {
     nlsLocale noLocale = *good;
     noLocale.hdr.typeTag = NLS_TAG_CLOSED;
     nlsConversion* const conversion = open.conversion("LATIN", "UTF-8");
-    auto* const notALocale = reinterpret_cast<nlsLocale*>(conversion);  // where a locale has its owner stands the source
+    auto* const notALocale =
+        reinterpret_cast<nlsLocale*>(conversion);  // where a locale has its owner stands the source
     ASSERT_EQ(nlsClose(other.handle), NLS_OK);
     const struct {
         const char* why;

@@ -1,5 +1,5 @@
-// A database locale lives in a block of its caller's, who takes it back with nlsCloseDBLocale. Here it is laid out by hand,
-// in memory that goes away, so that the sanitizer sees any later look into it.
+// A database locale lives in a block of its caller's, who takes it back with nlsCloseDBLocale. Here it is laid out by
+// hand, in memory that goes away, so that the sanitizer sees any later look into it.
 #include <gtest/gtest.h>
 
 #include <cstring>

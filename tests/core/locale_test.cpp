@@ -110,7 +110,8 @@ TEST(Locale, NamesOfMoreThan19CharactersCountBlanksAside) {
 }
 
 // Puts a locale with these names on the chain, as if its tables had been read.
-nlsLocale* planted(OpenHandle& open, nlsLocale& locale, const char* charset, const char* collation, const char* caseName) {
+nlsLocale* planted(OpenHandle& open, nlsLocale& locale, const char* charset, const char* collation,
+                   const char* caseName) {
     locale = {};
     std::strcpy(locale.charsetName, charset);
     std::strcpy(locale.collationName, collation);

@@ -68,7 +68,8 @@ TEST(ObjectChain, SearchPassesOverOtherTagsAndUnfinishedObjects) {
     Chain chain;
     nlsLocale older = {}, newer = {}, unfinished = {};
     nlsConversion conversion = {};
-    for (nlsHdr* object : {&older.hdr, &newer.hdr, &conversion.hdr, &unfinished.hdr}) nls::linkObject(chain.handle, *object);
+    for (nlsHdr* object : {&older.hdr, &newer.hdr, &conversion.hdr, &unfinished.hdr})
+        nls::linkObject(chain.handle, *object);
     older.hdr.typeTag = newer.hdr.typeTag = NLS_TAG_LOCALE;
     conversion.hdr.typeTag = NLS_TAG_CONVERSION;
     const auto any = [](const auto&) { return true; };

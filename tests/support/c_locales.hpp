@@ -28,10 +28,9 @@ public:
     bool use(const std::string& language, const std::string& encoding) {
         if (language == "C") return std::setlocale(LC_ALL, encoding.empty() ? "C" : "C.UTF-8") != nullptr;
         const std::string name = language + "." + encoding;
-        const std::string command =
-            "localedef --no-archive -i " + language + " -f " + encoding + " " + folder_ + "/" + name + " >/dev/null 2>&1";
-        return !folder_.empty() && std::system(command.c_str()) == 0 &&
-               std::setlocale(LC_ALL, name.c_str()) != nullptr;
+        const std::string command = "localedef --no-archive -i " + language + " -f " + encoding + " " + folder_ + "/" +
+                                    name + " >/dev/null 2>&1";
+        return !folder_.empty() && std::system(command.c_str()) == 0 && std::setlocale(LC_ALL, name.c_str()) != nullptr;
     }
 
 private:

@@ -1,5 +1,5 @@
-// Data files made in memory, for tests: a description of entries becomes the bytes of a convmap.cp, and every field of it can
-// be found again and made wrong.
+// Data files made in memory, for tests: a description of entries becomes the bytes of a convmap.cp, and every field
+// of it can be found again and made wrong.
 #pragma once
 
 #include <array>
@@ -117,8 +117,8 @@ private:
         const char* kind;
         std::vector<MapSource> maps = {};
 
-        Entry(std::string_view n1, std::string_view n2, format::EntryType t, unsigned char raw, unsigned sub, Bytes data,
-              const char* what)
+        Entry(std::string_view n1, std::string_view n2, format::EntryType t, unsigned char raw, unsigned sub,
+              Bytes data, const char* what)
             : name1(n1), name2(n2), type(t), rawByte(raw), subKind(sub), record(std::move(data)), kind(what) {}
     };
 
@@ -249,8 +249,8 @@ inline ConvmapBuilder::Attributes utf8() {
     return attributes;
 }
 
-// A grid of leads 81 to 83 and trails 40 to 7E, with U+4E00 and on in the first cells, and a way back of one row of direct
-// cells; the third map is absent.
+// A grid of leads 81 to 83 and trails 40 to 7E, with U+4E00 and on in the first cells, and a way back of one row of
+// direct cells; the third map is absent.
 inline std::array<MapSource, 3> smallMaps() {
     std::array<MapSource, 3> maps;
     MapSource& first = maps[0];
