@@ -1,7 +1,10 @@
 #include "conversion/unicode_transforms.hpp"
 
-#include "conversion/unicode_walk.hpp"
+#include <algorithm>
+
+#include "conversion/unicode_wide.hpp"
 #include "conversion/utf_codec.hpp"
+#include "core/base/cpu.hpp"
 
 namespace nls {
 
@@ -69,10 +72,29 @@ ByteView wholeUnits(ByteView bytes, std::size_t unit) {
     return bytes.first(bytes.size() - bytes.size() % unit);
 }
 
-template <typename Step>
-Transformed transform(ByteView source, ByteSpan target, ByteOrder order, Step step) {
+using Step = bool (*)(UnicodeWalk&);
+using WideWalk = UnicodeWalk (*)(UnicodeWalk);
+
+// As many bytes as a wide block has, or as are left. False when the walk ends in them.
+template <Step kStep>
+bool takeExactly(UnicodeWalk& walk) {
+    constexpr std::size_t kStretch = 64;
+    UnicodeWalk here = walk;  // a copy of its own, which the bytes written can't alias
+    const unsigned char* const until = here.source.place() + std::min(here.source.left(), kStretch);
+    bool going = true;
+    while (going && here.source.place() < until) going = kStep(here);
+    walk = here;
+    return going;
+}
+
+// Wide as far as the text is regular, then exactly over what the wide walk left, and wide again.
+template <Step kStep, WideWalk kBaseline, WideWalk kAvx2, WideWalk kAvx512>
+Transformed transform(ByteView source, ByteSpan target, ByteOrder order) {
+    const CpuLevel level = cpuLevel();
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
-    while (!walk.source.atEnd() && step(walk)) {
+    while (!walk.source.atEnd()) {
+        walk = level == CpuLevel::avx512 ? kAvx512(walk) : level == CpuLevel::avx2 ? kAvx2(walk) : kBaseline(walk);
+        if (!takeExactly<kStep>(walk)) break;
     }
     return {walk.status, source.size() - walk.source.left(), walk.target.written()};
 }
@@ -80,27 +102,31 @@ Transformed transform(ByteView source, ByteSpan target, ByteOrder order, Step st
 }  // namespace
 
 Transformed utf16ToUcs4(ByteView source, ByteSpan target, ByteOrder order) {
-    return transform(wholeUnits(source, 2), target, order, stepUtf16ToUcs4);
+    return transform<stepUtf16ToUcs4, utf16ToUcs4Baseline, utf16ToUcs4Avx2, utf16ToUcs4Avx512>(wholeUnits(source, 2),
+                                                                                               target, order);
 }
 
 Transformed ucs4ToUtf16(ByteView source, ByteSpan target, ByteOrder order) {
-    return transform(wholeUnits(source, 4), target, order, stepUcs4ToUtf16);
+    return transform<stepUcs4ToUtf16, ucs4ToUtf16Baseline, ucs4ToUtf16Avx2, ucs4ToUtf16Avx512>(wholeUnits(source, 4),
+                                                                                               target, order);
 }
 
 Transformed utf8ToUcs4(ByteView source, ByteSpan target, ByteOrder order) {
-    return transform(source, target, order, stepUtf8ToUcs4);
+    return transform<stepUtf8ToUcs4, utf8ToUcs4Baseline, utf8ToUcs4Avx2, utf8ToUcs4Avx512>(source, target, order);
 }
 
 Transformed utf8ToUcs2(ByteView source, ByteSpan target, ByteOrder order) {
-    return transform(source, target, order, stepUtf8ToUcs2);
+    return transform<stepUtf8ToUcs2, utf8ToUtf16Baseline, utf8ToUtf16Avx2, utf8ToUtf16Avx512>(source, target, order);
 }
 
 Transformed ucs4ToUtf8(ByteView source, ByteSpan target, ByteOrder order) {
-    return transform(wholeUnits(source, 4), target, order, stepUcs4ToUtf8);
+    return transform<stepUcs4ToUtf8, ucs4ToUtf8Baseline, ucs4ToUtf8Avx2, ucs4ToUtf8Avx512>(wholeUnits(source, 4),
+                                                                                           target, order);
 }
 
 Transformed ucs2ToUtf8(ByteView source, ByteSpan target, ByteOrder order) {
-    return transform(wholeUnits(source, 2), target, order, stepUcs2ToUtf8);
+    return transform<stepUcs2ToUtf8, utf16ToUtf8Baseline, utf16ToUtf8Avx2, utf16ToUtf8Avx512>(wholeUnits(source, 2),
+                                                                                              target, order);
 }
 
 }  // namespace nls
