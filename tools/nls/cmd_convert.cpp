@@ -103,7 +103,7 @@ private:
         json.member("complete", !stopped_).member("problemCount", report_.count()).key("problems");
         report_.writeTo(json);
         json.member("exit", static_cast<int64_t>(code)).close('}');
-        std::fprintf(output_.isFile() ? stdout : stderr, "%s\n", json.text().c_str());
+        std::fprintf(output_.isStandardOutput() ? stderr : stdout, "%s\n", json.text().c_str());
     }
 
     const Common& common_;
