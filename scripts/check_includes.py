@@ -28,7 +28,7 @@ ARROWS = {
     "strings": {"include", "core/base", "chars"},
     "tools/mkconvmap": CLIENT | {"core/base", "convmap"},
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
-    "bench": CLIENT | {"core/base/cpu.hpp"},
+    "bench": CLIENT | {"core/base/cpu.hpp", "tests/support"},
     "fuzz": CLIENT | {"core/base", "tests/support"},
     "tests/support": set(),  # a folder of its own for those who may include it; itself it looks into everything
 }
@@ -78,7 +78,7 @@ def may_include(name, target):
     folder, other = folder_of(name), folder_of(target)
     if folder in CLIENT_TESTS or folder.startswith("tests"):
         return folder not in CLIENT_TESTS or other == folder
-    return folder == other or other in ARROWS.get(folder, set()) or target in ARROWS.get(folder, set())
+    return folder == other or any(target == to or target.startswith(to + "/") for to in ARROWS.get(folder, set()))
 
 
 def exported_functions():

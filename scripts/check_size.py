@@ -32,7 +32,8 @@ def functions(path):
         stripped = line.strip()
         if start is None and OPENS.search(stripped) and not re.match(r"(if|for|while|switch|do|else|})\b", stripped):
             first = number
-            while first > 0 and len(indent(lines[first])) > 0 and lines[first - 1].rstrip().endswith((",", "(")):
+            while first > 0 and indent(lines[first]) and (
+                    lines[first].lstrip().startswith(":") or lines[first - 1].rstrip().endswith((",", "("))):
                 first -= 1
             start, margin = first, indent(lines[first])
         elif start is not None and line.rstrip() in (margin + "}", margin + "};"):
