@@ -13,7 +13,7 @@ std::size_t boundedLength(const unsigned char* text, int64_t count) {
 
 uint32_t copyClosed(const unsigned char* source, int64_t count, unsigned char* target) {
     const std::size_t length = boundedLength(source, count);
-    std::memmove(target, source, length);
+    if (length != 0) std::memmove(target, source, length);  // of no bytes, a source may be null
     target[length] = 0;
     return static_cast<uint32_t>(length);
 }

@@ -128,6 +128,16 @@ TEST(StrRecord, FieldsAndNulls) {
     EXPECT_EQ(nlsCopyString(buf, 1, nullptr), NLS_BAD_ARG);
 }
 
+TEST(StrRecord, AnEmptyRecordNeedsNoBuffer) {
+    nlsStr from{};
+    EXPECT_EQ(nlsSetString(nullptr, 0, 0, &from), NLS_OK);
+    unsigned char target[4] = "abc";
+    nlsStr to{target, 4, 3};
+    EXPECT_EQ(nlsCopynlsStr(&from, &to), NLS_OK);
+    EXPECT_EQ(target[0], 0);
+    EXPECT_EQ(to.strLength, 0U);
+}
+
 TEST(StrRecord, PlainCopies) {
     nls::test::GuardedBuffer page{16};
     const unsigned char* const five = page.atEnd("abcde", 6);
