@@ -1,8 +1,8 @@
 // Single-byte charsets to and from UTF-8 and to each other, beside ICU, iconv, memcpy and a plain loop.
 //
-// One text of a mebibyte, strings of 16 bytes and column values of 8 to 64 bytes. The tables are made from iconv's.
+// One text of a mebibyte, strings of 16 bytes and column values of 8 to 64 bytes. The tables are those
+// of the real data file.
 //   bench_single_byte [--cpu-level=1|2|3] [flags of Google Benchmark]
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -12,34 +12,16 @@
 
 #include "bench/support/compare.hpp"
 #include "bench/support/peers.hpp"
+#include "bench/support/tables.hpp"
 #include "bench/support/texts.hpp"
 #include "core/base/cpu.hpp"
 #include "nls/convert.h"
 #include "nls/status.h"
-#include "tests/support/made_tables.hpp"
 
 namespace {
 
 using nls::bench::Candidate;
 using nls::bench::Language;
-
-nls::test::Units unitsOf(const std::string& charset) {
-    nls::test::Units units{};
-    const iconv_t converter = iconv_open("UTF-16LE", charset.c_str());
-    if (converter == reinterpret_cast<iconv_t>(-1)) nls::bench::giveUp("iconv " + charset);
-    for (unsigned c = 0; c < 256; ++c) {
-        char byte = static_cast<char>(c);
-        char* in = &byte;
-        char* out = reinterpret_cast<char*>(&units[c]);
-        std::size_t left = 1, room = 2;
-        if (iconv(converter, &in, &left, &out, &room) != 0) {  // no character: a filler
-            units[c] = static_cast<uint16_t>(0xF700 + c);
-            iconv(converter, nullptr, nullptr, nullptr, nullptr);
-        }
-    }
-    iconv_close(converter);
-    return units;
-}
 
 // What one candidate converts: all texts, one call each.
 struct Work {
@@ -104,26 +86,25 @@ std::vector<Candidate> withPeers(const std::shared_ptr<const Work>& work, const 
             })};
 }
 
-struct Charset {
-    const char* name;
-    Language language;
-    std::shared_ptr<nls::test::MadeCharset> tables;
+// A charset by its name here and by the one that iconv and ICU know.
+struct Name {
+    const char *nls, *peer;
 };
 
-std::shared_ptr<const Work> inCharset(const Work& utf8, const std::string& charset) {
+std::shared_ptr<const Work> inCharset(const std::vector<std::string>& utf8, const char* charset) {
     const nls::bench::Iconv iconv("UTF-8", charset);
     std::vector<std::string> texts;
-    for (const std::string& text : utf8.texts) texts.push_back(iconv.convert(text));
+    for (const std::string& text : utf8) texts.push_back(iconv.convert(text));
     return std::make_shared<const Work>(std::move(texts));
 }
 
-void compareCharset(const Charset& charset, const char* size, const std::vector<std::string>& texts) {
+void compareCharset(const Name& charset, Language language, const char* size, const std::vector<std::string>& texts) {
     const auto utf8 = std::make_shared<const Work>(texts);
-    const auto bytes = inCharset(*utf8, charset.name);
-    const std::string label = std::string(languageName(charset.language)) + " " + charset.name + size;
-    std::vector<Candidate> there = withPeers(bytes, charset.tables->toUtf8(), charset.name, "UTF-8");
-    std::vector<Candidate> back = withPeers(utf8, charset.tables->fromUtf8(), "UTF-8", charset.name);
-    if (charset.language == Language::ascii) {
+    const auto bytes = inCharset(texts, charset.peer);
+    const std::string label = std::string(languageName(language)) + " " + charset.nls + size;
+    std::vector<Candidate> there = withPeers(bytes, nls::bench::table(charset.nls, "UTF-8"), charset.peer, "UTF-8");
+    std::vector<Candidate> back = withPeers(utf8, nls::bench::table("UTF-8", charset.nls), "UTF-8", charset.peer);
+    if (language == Language::ascii && texts.size() == 1) {  // the work of a copy: iconv and ICU are far behind it
         there = {there[0], copying(bytes)};
         back = {back[0], copying(utf8)};
     }
@@ -131,24 +112,18 @@ void compareCharset(const Charset& charset, const char* size, const std::vector<
     nls::bench::compare("from UTF-8", label, utf8->bytes, texts.size(), back);
 }
 
-// The plain loop over the same table, on the same text.
-void compareMaps(const char* from, const char* to, Language language, const char* size,
+// Long text beside the plain loop over the same table, short strings beside iconv and ICU.
+void compareMaps(const Name& from, const Name& to, Language language, const char* size,
                  const std::vector<std::string>& texts) {
-    const nls::test::Units source = unitsOf(from), target = unitsOf(to);
-    auto map = std::array<unsigned char, 256>{};
-    for (unsigned c = 0; c < 256; ++c)
-        for (unsigned t = 0; t < 256; ++t)
-            if (source[c] == target[t]) map[c] = static_cast<unsigned char>(t);
-    static std::vector<std::unique_ptr<nls::test::MadeTable>> tables;
-    tables.push_back(std::make_unique<nls::test::MadeTable>(nls::test::MadeTable::byteMap(map)));
-    const nlsConvTable* const table = *tables.back();
-    const auto bytes = inCharset(Work{texts}, from);
+    const nlsConvTable* const table = nls::bench::table(from.nls, to.nls);
+    const auto bytes = inCharset(texts, from.peer);
     const auto plain = [table](const std::string& text, std::string& out) {
         mapPlainly(reinterpret_cast<const unsigned char*>(table), text, out);
     };
-    const std::string label = std::string(languageName(language)) + " " + from + " to " + to + size;
-    nls::bench::compare("byte map", label, bytes->bytes, texts.size(),
-                        {ours(bytes, table), candidate("plain loop", bytes, plain)});
+    const std::string label = std::string(languageName(language)) + " " + from.nls + " to " + to.nls + size;
+    std::vector<Candidate> candidates = withPeers(bytes, table, from.peer, to.peer);
+    if (texts.size() == 1) candidates = {candidates[0], candidate("plain loop", bytes, plain)};
+    nls::bench::compare("byte map", label, bytes->bytes, texts.size(), candidates);
 }
 
 std::vector<std::string> strings(Language language, std::size_t shortest, std::size_t longest) {
@@ -167,26 +142,25 @@ int main(int argc, char** argv) {
             arguments.push_back(argv[i]);
     }
     constexpr struct {
-        const char* name;
+        Name name;
         Language language;
-    } kCharsets[] = {{"CP1252", Language::ascii},      {"CP1252", Language::german},  {"CP1252", Language::french},
-                     {"ISO-8859-2", Language::polish}, {"CP1251", Language::russian}, {"KOI8-R", Language::russian},
-                     {"CP1253", Language::greek},      {"CP1254", Language::turkish}, {"ISO-8859-8", Language::hebrew},
-                     {"CP1256", Language::arabic},     {"TIS-620", Language::thai},   {"IBM037", Language::german}};
+    } kCharsets[] = {{{"1252", "CP1252"}, Language::ascii},           {{"1252", "CP1252"}, Language::german},
+                     {{"1252", "CP1252"}, Language::french},          {{"ISO8859-2", "ISO-8859-2"}, Language::polish},
+                     {{"1251", "CP1251"}, Language::russian},         {{"KOI8-R", "KOI8-R"}, Language::russian},
+                     {{"1253", "CP1253"}, Language::greek},           {{"1254", "CP1254"}, Language::turkish},
+                     {{"ISO8859-8", "ISO-8859-8"}, Language::hebrew}, {{"1256", "CP1256"}, Language::arabic},
+                     {{"620-2533", "TIS-620"}, Language::thai},       {{"IBM037", "IBM037"}, Language::german}};
     for (const auto& row : kCharsets) {
-        const Charset charset{row.name, row.language, std::make_shared<nls::test::MadeCharset>(unitsOf(row.name))};
-        static std::vector<Charset> kept;
-        kept.push_back(charset);
-        compareCharset(charset, "", {nls::bench::text(row.language, 1 << 20)});
-        compareCharset(charset, ", 16 bytes", strings(row.language, 12, 16));
-        compareCharset(charset, ", 8 to 64 bytes", strings(row.language, 8, 64));
+        compareCharset(row.name, row.language, "", {nls::bench::text(row.language, 1 << 20)});
+        compareCharset(row.name, row.language, ", 16 bytes", strings(row.language, 12, 16));
+        compareCharset(row.name, row.language, ", 8 to 64 bytes", strings(row.language, 8, 64));
     }
     constexpr struct {
-        const char *from, *to;
+        Name from, to;
         Language language;
-    } kMaps[] = {{"CP1252", "IBM850", Language::german},
-                 {"KOI8-R", "CP1251", Language::russian},
-                 {"IBM037", "ISO-8859-1", Language::german}};
+    } kMaps[] = {{{"1252", "CP1252"}, {"IBM850", "IBM850"}, Language::german},
+                 {{"KOI8-R", "KOI8-R"}, {"1251", "CP1251"}, Language::russian},
+                 {{"IBM037", "IBM037"}, {"ISO8859-1", "ISO-8859-1"}, Language::german}};
     for (const auto& row : kMaps) {
         compareMaps(row.from, row.to, row.language, "", {nls::bench::text(row.language, 1 << 20)});
         compareMaps(row.from, row.to, row.language, ", 16 bytes", strings(row.language, 12, 16));

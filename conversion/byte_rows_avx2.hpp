@@ -32,6 +32,7 @@ NLS_TARGET_AVX2 inline ByteRows byteRows(const unsigned char* first64, const uns
 NLS_TARGET_AVX2 inline __m256i lookUp(const ByteRows& rows, __m256i index) {
     const __m256i sixteen = _mm256_set1_epi8(16);
     __m256i entries = _mm256_shuffle_epi8(rows.row[0], index);
+#pragma GCC unroll 8
     for (int k = 1; k < 8; ++k) {
         index = _mm256_subs_epi8(index, sixteen);
         entries = _mm256_xor_si256(entries, _mm256_shuffle_epi8(rows.row[k], index));

@@ -3,7 +3,6 @@
 #include <emmintrin.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "conversion/sbcs_walk.hpp"
@@ -30,13 +29,6 @@ void copyAscii(BridgeWalk& walk) {
 }
 
 // --- To UTF-8 ---
-
-// The length of a form by its lead byte; a look-up, since it stands in the shortest of loops.
-constexpr auto kFormLength = [] {
-    std::array<unsigned char, 256> lengths{};
-    for (unsigned lead = 0; lead < 256; ++lead) lengths[lead] = static_cast<unsigned char>(formLength(lead));
-    return lengths;
-}();
 
 bool keepsAscii(const SbcsWords& words) {
     uint32_t differences = 0;

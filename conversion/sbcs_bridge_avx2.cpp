@@ -91,7 +91,7 @@ NLS_TARGET_AVX2 inline void writeWords(BridgeWalk& walk, const SbcsWords& words)
     for (int i = 0; i < 32; ++i) {
         const uint32_t word = words.utf8[walk.source[i]];
         __builtin_memcpy(walk.target, &word, sizeof word);
-        walk.target += formLength(word & 0xFF);
+        walk.target += kFormLength[word & 0xFF];
     }
 }
 
@@ -216,31 +216,35 @@ NLS_TARGET_AVX2 void toUtf8Avx2(const SbcsWords& words, BridgeWalk& walk) {
     UpperForms forms;
     if (!splitForms(words, forms)) return;
     const ByteRows first = byteRows(forms.first, forms.first + 64), second = byteRows(forms.second, forms.second + 64);
+    BridgeWalk at = walk;  // in registers
     // Of what is written behind a block's text, at most 8 bytes, the next 8 characters or the overflow ending cover
     // all.
-    while (walk.left() >= 32 + 8 && walk.room() >= 32 * 3 + 16) {
-        const __m256i bytes = load(walk.source);
+    while (at.left() >= 32 + 8 && at.room() >= 32 * 3 + 16) {
+        const __m256i bytes = load(at.source);
         const uint32_t two = signs(bytes);
         if (two == 0) {
-            store(walk.target, bytes);
-            walk.target += 32;
+            store(at.target, bytes);
+            at.target += 32;
         } else {
             const __m256i upper = _mm256_xor_si256(bytes, all(0x80));  // ASCII yields 0
             const __m256i leads = lookUp(first, upper);
             if (atLeast(leads, 0xE0) != 0)
-                writeWords(walk, words);
+                writeWords(at, words);
             else
-                writeUpToTwo(walk, _mm256_blendv_epi8(bytes, leads, bytes), lookUp(second, upper), two);
+                writeUpToTwo(at, _mm256_blendv_epi8(bytes, leads, bytes), lookUp(second, upper), two);
         }
-        walk.source += 32;
+        at.source += 32;
     }
+    walk = at;
 }
 
 NLS_TARGET_AVX2 void fromUtf8Avx2(const SbcsPages& pages, BridgeWalk& walk) {
-    FromUtf8 blocks{pages, walk};
+    BridgeWalk at = walk;  // in registers
+    FromUtf8 blocks{pages, at};
     // A block writes up to 8 bytes behind its text. 40 bytes more of text cover them: they are 9 characters at least.
-    while (walk.left() >= 32 + 40 && walk.room() >= 32 + 8 && blocks.block()) {
+    while (at.left() >= 32 + 40 && at.room() >= 32 + 8 && blocks.block()) {
     }
+    walk = at;
 }
 
 }  // namespace nls

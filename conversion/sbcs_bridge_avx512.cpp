@@ -41,6 +41,18 @@ NLS_TARGET_AVX512 inline void squeeze(BridgeWalk& walk, uint64_t mask, __m512i b
     walk.target += count;
 }
 
+// Copies up to 64 bytes. False, and nothing written, where they aren't all ASCII, or don't fit, or there are none.
+NLS_TARGET_AVX512 inline bool copyAscii(BridgeWalk& walk) {
+    const std::size_t count = walk.left() < 64 ? walk.left() : 64;
+    const uint64_t valid = lowBits(count);
+    const __m512i bytes = _mm512_maskz_loadu_epi8(valid, walk.source);
+    if (_mm512_movepi8_mask(bytes) != 0 || walk.room() < count || count == 0) return false;
+    _mm512_mask_storeu_epi8(walk.target, valid, bytes);
+    walk.target += count;
+    walk.source += count;
+    return true;
+}
+
 // --- To UTF-8 ---
 
 // The first, second or third bytes of all 256 forms, by byte.
@@ -145,18 +157,6 @@ NLS_TARGET_AVX512 inline bool writeBlock(const Planes& planes, BridgeWalk& walk)
     return true;
 }
 
-// Copies up to 64 bytes. False, and nothing written, where they aren't all ASCII, or don't fit, or there are none.
-NLS_TARGET_AVX512 inline bool copyAscii(BridgeWalk& walk) {
-    const std::size_t count = walk.left() < 64 ? walk.left() : 64;
-    const uint64_t valid = lowBits(count);
-    const __m512i bytes = _mm512_maskz_loadu_epi8(valid, walk.source);
-    if (_mm512_movepi8_mask(bytes) != 0 || walk.room() < count || count == 0) return false;
-    _mm512_mask_storeu_epi8(walk.target, valid, bytes);
-    walk.target += count;
-    walk.source += count;
-    return true;
-}
-
 template <bool kAsciiStays>
 NLS_TARGET_AVX512 void toUtf8Blocks(const SbcsWords& words, BridgeWalk& walk) {
     BridgeWalk at = walk;  // in registers
@@ -196,28 +196,39 @@ NLS_TARGET_AVX512 inline PagePair pagePair(const SbcsPages& pages, unsigned page
             _mm512_loadu_si512(pages.page[page | 1])};
 }
 
-// A block of UTF-8 as masks. Blocks follow each other without regard to characters: what a block's lead bytes announce
-// for the next one is carried over, so that no block has to wait for the length of the one before it.
-struct Shape {
-    uint64_t lead, lead3, lead4;  // lead bytes that announce at least one, two, three more
-    uint64_t ascii, last, four;   // last bytes of characters; those of them with four bytes
-    bool sound;                   // the trailing bytes are just those announced, and no byte stands outside a character
+// The lead bytes of a block. Blocks follow each other without regard to characters: what the lead bytes of one announce
+// for the next is carried over, so that no block has to wait for the length of the one before it.
+struct Leads {
+    uint64_t two = 0, three = 0;  // of characters of two bytes, of three
+
+    // Bytes at the end of the block that belong to a character which ends in the next.
+    unsigned pending() const {
+        if ((three >> 62 & 1) != 0) return 2;
+        return ((two | three) >> 63) != 0 ? 1 : 0;
+    }
 };
 
-NLS_TARGET_AVX512 inline Shape shapeOf(__m512i bytes, uint64_t valid, const Shape& before) {
+// A block as masks. `sound`: the bytes from 0x80 on that are no lead bytes are just those that lead bytes announce.
+// They needn't look like trailing bytes: one from F0 on is a good last byte too. Characters of four bytes are never
+// sound.
+struct Shape {
+    __mmask64 upper;  // bytes beyond ASCII
+    uint64_t last;    // last bytes of characters
+    Leads leads;
+    bool sound;
+};
+
+NLS_TARGET_AVX512 inline Shape shapeOf(__m512i bytes, uint64_t valid, const Leads& before) {
     Shape shape;
-    const uint64_t upper = _mm512_movepi8_mask(bytes), none = _mm512_cmpge_epu8_mask(bytes, all(0xF5));
-    shape.lead = _mm512_cmpge_epu8_mask(bytes, all(0xC0));
-    shape.lead3 = _mm512_cmpge_epu8_mask(bytes, all(0xE0));
-    shape.lead4 = _mm512_cmpge_epu8_mask(bytes, all(0xF0));
-    const uint64_t second = shape.lead << 1 | before.lead >> 63, third = shape.lead3 << 2 | before.lead3 >> 62;
-    const uint64_t fourth = shape.lead4 << 3 | before.lead4 >> 61;
-    const uint64_t two = (shape.lead ^ shape.lead3) << 1 | (before.lead ^ before.lead3) >> 63;
-    const uint64_t three = (shape.lead3 ^ shape.lead4) << 2 | (before.lead3 ^ before.lead4) >> 62;
-    shape.ascii = ~upper & valid;
-    shape.four = fourth & valid;
-    shape.last = shape.ascii | ((two | three | fourth) & valid);
-    shape.sound = ((second | third | fourth) & valid) == (upper & ~shape.lead) && none == 0;
+    shape.upper = _mm512_movepi8_mask(bytes);
+    shape.leads.two = _mm512_cmpeq_epi8_mask(_mm512_and_si512(bytes, all(0xE0)), all(0xC0));
+    shape.leads.three = _mm512_cmpeq_epi8_mask(_mm512_and_si512(bytes, all(0xF0)), all(0xE0));
+    const uint64_t ofTwo = shape.leads.two << 1 | before.two >> 63;
+    const uint64_t ofThree = shape.leads.three << 1 | before.three >> 63;
+    const uint64_t lastOfThree = shape.leads.three << 2 | before.three >> 62;
+    const uint64_t others = shape.upper & ~(shape.leads.two | shape.leads.three);
+    shape.sound = ((ofTwo | ofThree | lastOfThree) & valid) == others;
+    shape.last = (~shape.upper | ofTwo | lastOfThree) & valid;
     return shape;
 }
 
@@ -241,22 +252,72 @@ NLS_TARGET_AVX512 inline __m512i oneBack(__m512i bytes) {
     return _mm512_maskz_permutexvar_epi8(~0ULL, load(kBefore), bytes);
 }
 
-// The entries at last bytes of several: `multi` are their places, `before` is the byte in front of each. The pair that
-// the last block needed is looked up first, and given up only when it is of no use.
-NLS_TARGET_AVX512 inline __m512i lookUpPages(const SbcsPages& pages, const unsigned char* place, __m512i mapped,
-                                             __m512i bytes, __m512i before, uint64_t multi, PagePair& hot) {
+// The byte in front of the first place of a mask. The one in front of a block belongs to the text too, if the block
+// begins inside a character.
+NLS_TARGET_AVX512 inline unsigned byteBefore(const unsigned char* block, uint64_t mask) {
+    return block[static_cast<std::ptrdiff_t>(_tzcnt_u64(mask)) - 1];
+}
+
+// A walk over blocks, as it stands between two of them.
+struct FromUtf8 {
+    BridgeWalk at;
+    Leads leads;  // of the last block, as if it had ended at its 64th byte
+    bool hotKnown;
+    PagePair hot;  // the pair that was needed last
+};
+
+// The entries at last bytes of characters of several; `before` is the byte in front of each byte. The pair that was
+// needed last is looked up first.
+NLS_TARGET_AVX512 inline __m512i lookUpPages(const SbcsPages& pages, FromUtf8& walk, __m512i mapped, __m512i bytes,
+                                             __m512i before, const Shape& shape) {
     const __m512i page = _mm512_and_si512(before, all(0xFE));
     // The low six bits of the byte, and in bit 6 the lowest bit of the byte before it.
     const __m512i index = _mm512_ternarylogic_epi32(all(0x3F), bytes, _mm512_slli_epi16(before, 6), 0xCA);
-    PagePair pair = hot;
-    for (uint64_t rest = multi;;) {
-        const uint64_t hits = _mm512_mask_cmpeq_epi8_mask(rest, page, pair.number);
-        mapped = _mm512_mask_blend_epi8(hits, mapped, _mm512_permutex2var_epi8(pair.even, index, pair.odd));
-        if (rest == multi && hits != 0) hot = pair;
+    uint64_t rest = shape.last & shape.upper;
+    if (!walk.hotKnown) walk.hot = pagePair(pages, byteBefore(walk.at.source, rest));
+    walk.hotKnown = true;
+    // What stands at other places doesn't matter, so the first pair is laid over all bytes beyond ASCII.
+    mapped = _mm512_mask_blend_epi8(shape.upper, mapped, _mm512_permutex2var_epi8(walk.hot.even, index, walk.hot.odd));
+    rest &= ~_mm512_cmpeq_epi8_mask(page, walk.hot.number);
+    while (rest != 0) {
+        walk.hot = pagePair(pages, byteBefore(walk.at.source, rest));
+        const __mmask64 hits = _mm512_cmpeq_epi8_mask(page, walk.hot.number);
+        mapped =
+            _mm512_mask_blend_epi8(rest & hits, mapped, _mm512_permutex2var_epi8(walk.hot.even, index, walk.hot.odd));
         rest &= ~hits;
-        if (rest == 0) return mapped;
-        pair = pagePair(pages, place[static_cast<int64_t>(_tzcnt_u64(rest)) - 1]);
     }
+    return mapped;
+}
+
+// No mapping: "?". NUL alone is what its page says.
+NLS_TARGET_AVX512 inline __m512i substituteZeros(BridgeWalk& walk, __m512i mapped, __m512i bytes, uint64_t last) {
+    const uint64_t zeros = _mm512_mask_testn_epi8_mask(last, mapped, mapped);
+    if (zeros == 0) return mapped;
+    const uint64_t substitutes = _mm512_mask_test_epi8_mask(zeros, bytes, bytes);
+    walk.substituted |= substitutes != 0;
+    return _mm512_mask_mov_epi8(mapped, substitutes, all('?'));
+}
+
+// A block of 64 bytes, or the shorter rest of the text, whose first byte is at `start`. False, and nothing written,
+// where the block is odd, holds the end of no character, or doesn't fit.
+template <bool kWhole>
+NLS_TARGET_AVX512 inline bool convertBlock(const SbcsPages& pages, const AsciiPage& ascii, const unsigned char* start,
+                                           FromUtf8& walk) {
+    const std::size_t count = kWhole ? 64 : walk.at.left();
+    const uint64_t valid = kWhole ? ~0ULL : lowBits(count);
+    const __m512i bytes = _mm512_maskz_loadu_epi8(valid, walk.at.source);
+    const Shape shape = shapeOf(bytes, valid, walk.leads);
+    if (!shape.sound || shape.last == 0 || walk.at.room() < countBits(shape.last)) return false;
+    __m512i mapped = ascii.identity ? bytes : _mm512_permutex2var_epi8(ascii.low, bytes, ascii.high);
+    if ((shape.last & shape.upper) != 0) {
+        const __m512i before =
+            walk.at.source == start ? oneBack(bytes) : _mm512_maskz_loadu_epi8(valid, walk.at.source - 1);
+        mapped = lookUpPages(pages, walk, mapped, bytes, before, shape);
+    }
+    squeeze(walk.at, shape.last, substituteZeros(walk.at, mapped, bytes, shape.last));
+    walk.at.source += count;
+    walk.leads = {shape.leads.two << (64 - count) % 64, shape.leads.three << (64 - count) % 64};
+    return true;
 }
 
 }  // namespace
@@ -270,49 +331,18 @@ NLS_TARGET_AVX512 void toUtf8Avx512(const SbcsWords& words, BridgeWalk& walk) {
 
 NLS_TARGET_AVX512 void fromUtf8Avx512(const SbcsPages& pages, BridgeWalk& walk) {
     const AsciiPage ascii = asciiPage(pages.page[0]);
-    PagePair hot{};
-    bool hotKnown = false;
-    BridgeWalk at = walk;
-    Shape shape{};
-    unsigned pending = 0;  // bytes in front of the block that belong to a character which ends in it
-    while (at.source != at.sourceEnd) {
-        const std::size_t count = at.left() < 64 ? at.left() : 64;
-        const uint64_t valid = lowBits(count);
-        const __m512i bytes = _mm512_maskz_loadu_epi8(valid, at.source);
-        if (ascii.identity && pending == 0 && _mm512_movepi8_mask(bytes) == 0) {
-            if (at.room() < count) break;
-            _mm512_mask_storeu_epi8(at.target, valid, bytes);
-            at.target += count;
-            at.source += count;
-            shape = Shape{};
-            continue;
-        }
-        const Shape next = shapeOf(bytes, valid, shape);
-        const unsigned characters = countBits(next.last);
-        if (!next.sound || characters == 0 || at.room() < characters) break;
-        const __m512i before =
-            at.source == walk.source ? oneBack(bytes) : _mm512_maskz_loadu_epi8(valid, at.source - 1);
-        __m512i mapped = ascii.identity ? bytes : _mm512_permutex2var_epi8(ascii.low, bytes, ascii.high);
-        const uint64_t multi = next.last & ~next.ascii & ~next.four;
-        if (multi != 0 && !hotKnown) {
-            hot = pagePair(pages, at.source[_tzcnt_u64(multi) - 1]);
-            hotKnown = true;
-        }
-        if (multi != 0) mapped = lookUpPages(pages, at.source, mapped, bytes, before, multi, hot);
-        // No mapping: "?". NUL alone is what its page says.
-        const uint64_t zeros = _mm512_testn_epi8_mask(mapped, mapped) & _mm512_test_epi8_mask(bytes, bytes);
-        const uint64_t substitutes = (zeros | next.four) & next.last;
-        if (substitutes != 0) {
-            at.substituted = true;
-            mapped = _mm512_mask_mov_epi8(mapped, substitutes, all('?'));
-        }
-        squeeze(at, next.last, mapped);
-        at.source += count;
-        pending = static_cast<unsigned>(_lzcnt_u64(next.last)) - (64 - static_cast<unsigned>(count));
-        shape = next;
+    FromUtf8 blocks{walk, {}, false, {}};
+    bool going = true;
+    while (going && blocks.at.source != blocks.at.sourceEnd) {
+        if (ascii.identity && blocks.leads.pending() == 0 && copyAscii(blocks.at))
+            blocks.leads = Leads{};
+        else if (blocks.at.left() >= 64)
+            going = convertBlock<true>(pages, ascii, walk.source, blocks);
+        else
+            going = convertBlock<false>(pages, ascii, walk.source, blocks);
     }
-    walk = at;
-    walk.source -= pending;
+    blocks.at.source -= blocks.leads.pending();
+    walk = blocks.at;
 }
 
 }  // namespace nls

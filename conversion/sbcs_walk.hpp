@@ -6,6 +6,7 @@
 // is sure that more text will cover it. Tested by tests/conversion/sbcs_bridge_test.cpp.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -26,17 +27,18 @@ struct BridgeWalk {
 
 // Bytes of a form by its lead byte. A word holds four, so a lead byte that announces more counts as four.
 constexpr unsigned formLength(unsigned lead) {
-    constexpr uint64_t kByHighNibble = 0x4322'1111'1111'1111;
-    return static_cast<unsigned>(kByHighNibble >> (lead >> 4 << 2)) & 7U;
+    return 1U + (lead >= 0xC0) + (lead >= 0xE0) + (lead >= 0xF0);
 }
 static_assert(formLength(0x7F) == 1 && formLength(0xC2) == 2 && formLength(0xE2) == 3 && formLength(0xF8) == 4);
 
-// Bytes that a character of UTF-8 takes by its lead byte, as the way back reads it.
-constexpr unsigned sourceLength(unsigned lead) {
-    return lead > 0xF4 ? 1 : formLength(lead);
-}
+// The same as a look-up, which is the shorter way in a loop over words.
+inline constexpr auto kFormLength = [] {
+    std::array<unsigned char, 256> lengths{};
+    for (unsigned lead = 0; lead < 256; ++lead) lengths[lead] = static_cast<unsigned char>(formLength(lead));
+    return lengths;
+}();
 
-// As far as they can go. REQUIRES of the AVX2 ones: nothing; a text too short for a block is left as it is.
+// As far as they can go. A text too short for a block is left as it is.
 void toUtf8Avx2(const SbcsWords& words, BridgeWalk& walk);
 void toUtf8Avx512(const SbcsWords& words, BridgeWalk& walk);
 void fromUtf8Avx2(const SbcsPages& pages, BridgeWalk& walk);

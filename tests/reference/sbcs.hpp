@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <cstring>
 #include <vector>
 
 #include "convmap/conv_table.hpp"
