@@ -165,6 +165,7 @@ constexpr std::size_t kWorthPlanes = 48, kWorthRows = 160;
 Converted sbcsToUtf8(const SbcsWords& words, ByteView source, ByteSpan target) {
     if (source.empty()) return {NLS_OK, 0};
     if (target.empty()) return {NLS_BUF_SMALL, 0};
+    const bool endsWithNul = source.back() == 0;  // before a character that is converted in place is overwritten
     BridgeWalk walk{source.data(), source.data() + source.size(), target.data(), target.data() + target.size()};
     const CpuLevel level = cpuLevel();
     if (level >= CpuLevel::avx512 && source.size() >= kWorthPlanes)
@@ -174,7 +175,7 @@ Converted sbcsToUtf8(const SbcsWords& words, ByteView source, ByteSpan target) {
     toUtf8Baseline(words, walk);
     writeForms(words, walk);
     if (walk.source != walk.sourceEnd) return overflowEnding(walk, target);
-    if (source.back() == 0 && walk.target[-1] != 0) return overflowEnding(walk, target);
+    if (endsWithNul && walk.target[-1] != 0) return overflowEnding(walk, target);
     return {NLS_OK, lengthOf(walk, target)};
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 #include <string>
 
@@ -243,6 +244,13 @@ TEST(SbcsDoors, ToUtf8) {
     words.utf8[0] = 'z';
     checkRows(nlsToUTF8, nls::test::MadeTable::of(19, words),
               {{"padded", "a\0"s, 4, 2, "az \0"s}, {"cut", "a\0"s, 2, 2, "a\0"s}, {"inside", "\0a"s, 2, 0, "za"}});
+    // In place the NUL is gone before the end is looked at.
+    unsigned char inPlace[] = {0, 'x', 'x'};
+    uint32_t length = 0;
+    const nls::test::MadeTable table = nls::test::MadeTable::of(19, words);
+    EXPECT_EQ(nlsToUTF8(inPlace, 3, inPlace, 1, table, &length), NLS_BUF_SMALL);
+    EXPECT_EQ(length, 3U);
+    EXPECT_EQ(std::memcmp(inPlace, "z ", 3), 0);
 }
 
 TEST(SbcsDoors, FromUtf8) {
