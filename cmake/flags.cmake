@@ -34,6 +34,9 @@ function(nls_library_flags target)
     $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/include PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PRIVATE nls_warnings nls_instrumented)
+  if(NLS_FUZZ)  # so that libFuzzer sees which ways through the library its inputs take
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()
 
 # Tools, tests and benchmarks: ordinary C++20.

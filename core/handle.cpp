@@ -4,6 +4,7 @@
 
 #include "convmap/load_context.hpp"
 #include "core/base/arena.hpp"
+#include "core/base/busy_guard.hpp"
 
 namespace nls {
 
@@ -37,6 +38,7 @@ OpenedHandle openHandle(ByteSpan block, nlsReadFn readFn, uint32_t fileHandle) {
     recordBuffer(handle, block);
     handle.readFn = readFn;
     handle.fileHandle = fileHandle;
+    const BusyGuard busy{handle};
     // The list of ICU collation names will be built here, before the contents; ICU isn't bound yet.
     return {readContentsInto(handle), &handle};
 }

@@ -22,16 +22,21 @@ bool isEmpty(const char* name) {
     return *name == '\0';
 }
 
-// The collation that a search looks for; empty for a locale without one. An empty argument means "basic" here, though a
+// The collation that a search looks for; null for a locale without one. An empty argument means "basic" here, though a
 // locale made for it has none.
 const char* collationToFind(const char* collation) {
-    if (isNone(collation)) return "";
+    if (isNone(collation)) return nullptr;
     return collation == nullptr || isEmpty(collation) ? kDefaultCollation : collation;
 }
 
 const char* collationToMake(const char* collation) {
     if (isNone(collation)) return "";
     return collation == nullptr ? kDefaultCollation : collation;
+}
+
+// Where no name is wanted the locale's must be empty; blanks are a name.
+bool answersTo(const char* name, const char* wanted) {
+    return wanted == nullptr ? isEmpty(name) : sameName(name, wanted);
 }
 
 // The collation a locale names. Tables of collations aren't read yet: no name is known.
@@ -83,10 +88,9 @@ nlsStatus makeCompanions(nlsHandle& handle, nlsLocale& locale, const char* chars
 
 nlsLocale* findLocaleByNames(const nlsHandle& handle, LocaleNames names) {
     const char* const collation = collationToFind(names.collation);
-    const char* const caseName = names.caseName == nullptr ? "" : names.caseName;
     return findOnChain<nlsLocale>(handle, NLS_TAG_LOCALE, [&](const nlsLocale& locale) {
-        return sameName(locale.charsetName, names.charset) && sameName(locale.collationName, collation) &&
-               sameName(locale.caseName, caseName);
+        return sameName(locale.charsetName, names.charset) && answersTo(locale.collationName, collation) &&
+               answersTo(locale.caseName, names.caseName);
     });
 }
 

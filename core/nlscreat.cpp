@@ -9,6 +9,7 @@
 nlsStatus nlsCreateLocale(nlsHandle* handle, const char* charset, const char* collation, const char* caseName,
                           nlsLocale** locale) {
     if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    if (charset == nullptr || locale == nullptr) return NLS_BAD_ARG;
     const nls::CreatedLocale created = nls::findOrCreateLocale(*handle, {charset, collation, caseName});
     if (created.locale != nullptr) *locale = created.locale;
     return created.status;
@@ -16,6 +17,7 @@ nlsStatus nlsCreateLocale(nlsHandle* handle, const char* charset, const char* co
 
 nlsStatus findLocale(const nlsHandle* handle, const char* charset, const char* collation, const char* caseName,
                      nlsLocale** locale) {
+    if (handle == nullptr || charset == nullptr || locale == nullptr) return NLS_BAD_ARG;
     nlsLocale* const found = nls::findLocaleByNames(*handle, {charset, collation, caseName});
     if (found == nullptr) return NLS_BAD_LOCALE;
     *locale = found;
@@ -26,6 +28,7 @@ nlsStatus nlsCreateConversion(nlsHandle* handle, nlsLocale* source, nlsLocale* t
     if (const nlsStatus bad = nls::checkLocale(source)) return bad;
     if (const nlsStatus bad = nls::checkLocale(target)) return bad;
     if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    if (conversion == nullptr) return NLS_BAD_ARG;
     const nls::CreatedConversion created = nls::findOrCreateConversion(*handle, *source, *target);
     if (created.conversion != nullptr) *conversion = created.conversion;
     return created.status;
@@ -33,6 +36,7 @@ nlsStatus nlsCreateConversion(nlsHandle* handle, nlsLocale* source, nlsLocale* t
 
 nlsStatus findConversion(const nlsHandle* handle, const nlsLocale* source, const nlsLocale* target,
                          nlsConversion** conversion) {
+    if (handle == nullptr || source == nullptr || target == nullptr || conversion == nullptr) return NLS_BAD_ARG;
     nlsConversion* const found = nls::findConversionByNames(*handle, *source, *target);
     if (found == nullptr) return NLS_BAD_CONVERSION;
     *conversion = found;
@@ -41,6 +45,7 @@ nlsStatus findConversion(const nlsHandle* handle, const nlsLocale* source, const
 
 nlsStatus nlsCloseDBLocale(nlsLocale* locale, void** block, uint32_t* size) {
     if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    if (block == nullptr || size == nullptr) return NLS_BAD_ARG;
     if (locale->dbBlockSize == 0) {
         *block = nullptr;
         *size = 0;

@@ -1,4 +1,4 @@
-// Door: the handle, its arena, a thread's block, and the small helpers.
+// Door: the handle, its arena, a thread's block, and small services for old callers.
 #include <bit>
 
 #include "core/base/arena.hpp"
@@ -27,6 +27,7 @@ void* takeFrom(const nls::Arena& arena, int32_t size, uint32_t alignment) {
 
 nlsStatus nlsInit(uint32_t fileHandle, void* block, int32_t size, nlsReadFn readFn, nlsHandle** handle) {
     if (size < NLS_SMALLEST_BLOCK) return NLS_NO_MEM;
+    if (block == nullptr || readFn == nullptr || handle == nullptr) return NLS_BAD_ARG;
     const nls::OpenedHandle opened = nls::openHandle(bytesAt(block, size), readFn, fileHandle);
     if (opened.status == NLS_OK) *handle = opened.handle;
     return opened.status;
@@ -45,12 +46,14 @@ nlsStatus nlsAddBuffer(nlsHandle* handle, void* buffer, int32_t size) {
     if (handle->busy != 0) return NLS_BUSY;
     const nls::BusyGuard busy{*handle};
     if (size < NLS_SMALLEST_BUFFER) return NLS_NO_MEM;
+    if (buffer == nullptr) return NLS_BAD_ARG;
     nls::addBuffer(*handle, bytesAt(buffer, size));
     return NLS_OK;
 }
 
 nlsStatus nlsGetMem(nlsHandle* handle, int32_t size, uint32_t alignment, void** memory) {
     if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    if (memory == nullptr) return NLS_BAD_ARG;
     void* const taken = takeFrom(nls::Arena{handle->freePtr, handle->freeBytes}, size, alignment);
     if (taken == nullptr) return NLS_NO_MEM;
     *memory = taken;
@@ -70,6 +73,7 @@ nlsStatus nlsLinkHdr(nlsHandle* handle, nlsHdr* object) {
 }
 
 nlsStatus nlsTlsInit(uint64_t ownerWord, void* buffer, uint32_t* size, nlsTlsBlock** block) {
+    if (size == nullptr || block == nullptr) return NLS_BAD_ARG;
     const nls::TlsPlace place =
         nls::placeTlsBlock({static_cast<unsigned char*>(buffer), buffer == nullptr ? 0 : *size}, ownerWord);
     *block = place.block;

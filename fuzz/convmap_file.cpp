@@ -1,4 +1,5 @@
-// Opens any bytes as a data file, makes every locale, table and conversion that it names, and converts text through them.
+// Opens any bytes as a data file, makes every locale, table and conversion that it names, and converts text through
+// them.
 #include "tests/support/everything.hpp"
 #include "tests/support/open_handle.hpp"
 

@@ -1,5 +1,5 @@
-// Runs a fuzz target over the files and folders given as arguments: its kept corpus, or inputs that once failed. This stands
-// in for libFuzzer where the compiler has none.
+// Runs a fuzz target over the files and folders given as arguments: its kept corpus, or inputs that once failed. This
+// stands in for libFuzzer where the compiler has none.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>

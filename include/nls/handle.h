@@ -33,13 +33,16 @@ enum { NLS_SMALLEST_BLOCK = 25000, NLS_SMALLEST_BUFFER = 76000 };
                create calls, never later, and never closes the file. Not null
    handle      receives the handle; written on success alone. Not null
 
-   Checks, in this order: size, header, version, room for the contents, each record of the contents. Answers:
+   Checks, in this order: size, null pointers, header, version, room for the contents, each record of the contents.
+   Answers:
    NLS_OK
    NLS_NO_MEM       size is under 25000: the block isn't touched. Or the contents don't fit: 64 bytes a record
    NLS_BAD_MAGIC    the file's first 16 bytes can't be read, or aren't those of a data file
    NLS_BAD_VERSION  the file's version is neither 4 nor 5
    NLS_BAD_TOC      a record of the contents can't be read, or one that isn't a conversion has no data offset
-   After a failure that isn't the first the block has been cleared and partly filled; the caller just releases it. */
+   NLS_BAD_ARG      a null pointer: the block isn't touched
+   After a failure of the file or of its contents the block has been cleared and partly filled; the caller just
+   releases it. */
 NLS_API NLS_CHECKED nlsStatus nlsInit(uint32_t fileHandle, void* block, int32_t size, nlsReadFn readFn,
                                       nlsHandle** handle);
 
@@ -55,8 +58,8 @@ NLS_API nlsStatus nlsClose(nlsHandle* handle);
    buffer  memory of `size` bytes at any address; it is cleared, and lent to the handle until nlsClose. Not null
    size    in bytes
 
-   Checks, in this order: handle, busy, size. NLS_OK; NLS_BAD_HANDLE; NLS_BUSY; NLS_NO_MEM (size is under 76000: the
-   buffer isn't touched, and the handle works on in the old one). */
+   Checks, in this order: handle, busy, size, null. NLS_OK; NLS_BAD_HANDLE; NLS_BUSY; NLS_NO_MEM (size is under 76000);
+   NLS_BAD_ARG (null). On failure the buffer isn't touched, and the handle works on in the old one. */
 NLS_API NLS_CHECKED nlsStatus nlsAddBuffer(nlsHandle* handle, void* buffer, int32_t size);
 
 /* Takes memory from the arena of a handle. All its bytes are zero. It stays until the handle is closed.
@@ -65,8 +68,8 @@ NLS_API NLS_CHECKED nlsStatus nlsAddBuffer(nlsHandle* handle, void* buffer, int3
    alignment  the address becomes a multiple of it; 1 (or 0) for any address
    memory     receives the address; written on success alone. Not null
 
-   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (not enough left in the buffer in use; nothing is taken). Whether the handle is
-   busy isn't looked at. */
+   NLS_OK; NLS_BAD_HANDLE; NLS_BAD_ARG (`memory` is null); NLS_NO_MEM (not enough left in the buffer in use; nothing is
+   taken). Whether the handle is busy isn't looked at. */
 NLS_API NLS_CHECKED nlsStatus nlsGetMem(nlsHandle* handle, int32_t size, uint32_t alignment, void** memory);
 
 /* Lays a thread's own block into memory of that thread. Operations on locales and conversions accept null in its place;
@@ -77,7 +80,8 @@ NLS_API NLS_CHECKED nlsStatus nlsGetMem(nlsHandle* handle, int32_t size, uint32_
    size       in: bytes of `buffer`; out: the bytes to bring, written with NLS_BUF_SMALL alone. Not null
    block      receives the block, at the first multiple of 8 in the buffer, or null with NLS_BUF_SMALL. Not null
 
-   NLS_OK; NLS_BUF_SMALL (less than 40 bytes behind the alignment; 48 bytes are enough at any address). */
+   NLS_OK; NLS_BAD_ARG (`size` or `block` is null); NLS_BUF_SMALL (less than 40 bytes behind the alignment; 48 bytes are
+   enough at any address). */
 NLS_API NLS_CHECKED nlsStatus nlsTlsInit(uint64_t ownerWord, void* buffer, uint32_t* size, nlsTlsBlock** block);
 
 /* Ends a thread's block and gives back what it holds outside its memory. Null is fine. Always NLS_OK. */

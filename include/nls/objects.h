@@ -37,10 +37,11 @@ NLS_BEGIN_DECLS
    table, and the conversion to it. If they can't be made their status is returned; the locale itself stands all the
    same, and the next call for it answers NLS_OK.
 
-   Checks, in this order: handle, then the search, which answers even while the handle is busy, then busy, then memory,
-   charset, collation, case table, companions. Answers:
+   Checks, in this order: handle, null pointers, then the search, which answers even while the handle is busy, then
+   busy, then memory, charset, collation, case table, companions. Answers:
    NLS_OK
    NLS_BAD_HANDLE
+   NLS_BAD_ARG          `charset` or `locale` is null
    NLS_BUSY
    NLS_NO_MEM           add a buffer and call again
    NLS_NO_ATTRIB_TABLE  the data file doesn't know the charset
@@ -53,7 +54,8 @@ NLS_API NLS_CHECKED nlsStatus nlsCreateLocale(nlsHandle* handle, const char* cha
                                               const char* caseName, nlsLocale** locale);
 
 /* Finds a locale that was made before; arguments as for nlsCreateLocale. Database locales are found too. It doesn't
-   look at the handle's tag nor at busy. NLS_OK; NLS_BAD_LOCALE (none; `locale` is left alone). */
+   look at the handle's tag nor at busy. NLS_OK; NLS_BAD_ARG (`handle`, `charset` or `locale` is null); NLS_BAD_LOCALE
+   (none; `locale` is left alone). */
 NLS_API NLS_CHECKED nlsStatus findLocale(const nlsHandle* handle, const char* charset, const char* collation,
                                          const char* caseName, nlsLocale** locale);
 
@@ -68,11 +70,12 @@ NLS_API NLS_CHECKED nlsStatus findLocale(const nlsHandle* handle, const char* ch
    and handle, in a locale record of its own, which stands on no chain. So the conversion stays good when the database
    locale is closed and its block is gone, and a later call for the same charsets goes on finding it.
 
-   Checks, in this order: the handle behind `source`, `source`, the same of `target`, `handle`, then the search, which
-   answers even while the handle is busy, then busy, then memory and table. Answers:
+   Checks, in this order: the handle behind `source`, `source`, the same of `target`, `handle`, null, then the search,
+   which answers even while the handle is busy, then busy, then memory and table. Answers:
    NLS_OK
    NLS_BAD_HANDLE
    NLS_BAD_LOCALE
+   NLS_BAD_ARG        `conversion` is null
    NLS_BUSY
    NLS_NO_MEM         add a buffer and call again. If it comes back with a fresh buffer that is large enough, the data
                       file lacks the way back or the attribute table of a charset
@@ -83,8 +86,8 @@ NLS_API NLS_CHECKED nlsStatus findLocale(const nlsHandle* handle, const char* ch
 NLS_API NLS_CHECKED nlsStatus nlsCreateConversion(nlsHandle* handle, nlsLocale* source, nlsLocale* target,
                                                   nlsConversion** conversion);
 
-/* Finds a conversion that was made before, by the charset names of the two locales. It checks none of its arguments.
-   NLS_OK; NLS_BAD_CONVERSION (none; `conversion` is left alone). */
+/* Finds a conversion that was made before, by the charset names of the two locales. It looks at no tags.
+   NLS_OK; NLS_BAD_ARG (a null pointer); NLS_BAD_CONVERSION (none; `conversion` is left alone). */
 NLS_API NLS_CHECKED nlsStatus findConversion(const nlsHandle* handle, const nlsLocale* source, const nlsLocale* target,
                                              nlsConversion** conversion);
 
@@ -94,8 +97,8 @@ NLS_API NLS_CHECKED nlsStatus findConversion(const nlsHandle* handle, const nlsL
    block, size  receive the block and its size in bytes. Null and 0 for a locale that isn't a database's: such a one
                 isn't closed, and stays valid. Left alone on failure and where the locale is on no chain. Not null
 
-   Checks, in this order: the handle behind it, the locale, whether it is a database's, busy.
-   NLS_OK; NLS_BAD_HANDLE; NLS_BAD_LOCALE; NLS_BUSY. */
+   Checks, in this order: the handle behind it, the locale, null pointers, whether it is a database's, busy.
+   NLS_OK; NLS_BAD_HANDLE; NLS_BAD_LOCALE; NLS_BAD_ARG (`block` or `size` is null); NLS_BUSY. */
 NLS_API nlsStatus nlsCloseDBLocale(nlsLocale* locale, void** block, uint32_t* size);
 
 NLS_END_DECLS

@@ -193,6 +193,49 @@ TEST(Handle, RefusesChangesInsideAChange) {
     EXPECT_EQ(nlsClose(open.handle), NLS_OK);
 }
 
+// While it is being opened a handle is known to nobody, but the callback may know the block.
+TEST(Handle, IsBusyWhileItIsOpened) {
+    static std::vector<uint64_t> block(25000 / 8);
+    static int calls = 0;
+    MemoryFile file{smallWorld().build()};
+    file.onRead = [](void*) {
+        ++calls;
+        EXPECT_EQ(reinterpret_cast<nlsHandle*>(block.data())->busy, 1U);
+    };
+    nlsHandle* handle = nullptr;
+    ASSERT_EQ(nlsInit(file.handle(), block.data(), 25000, MemoryFile::read, &handle), NLS_OK);
+    EXPECT_GT(calls, 10);
+    EXPECT_EQ(handle->busy, 0U);
+}
+
+TEST(Handle, NullPointersAreRefused) {
+    OpenHandle open{smallWorld().build()};
+    nlsLocale* const locale = open.locale("LATIN");
+    std::vector<uint64_t> block(25000 / 8, 7);
+    nlsHandle* handle = nullptr;
+    nlsLocale* found = nullptr;
+    nlsTlsBlock* tls = nullptr;
+    void* memory = nullptr;
+    uint32_t size = 48;
+    EXPECT_EQ(nlsInit(0, nullptr, 25000, MemoryFile::read, &handle), NLS_BAD_ARG);
+    EXPECT_EQ(nlsInit(0, block.data(), 25000, nullptr, &handle), NLS_BAD_ARG);
+    EXPECT_EQ(nlsInit(0, block.data(), 25000, MemoryFile::read, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(block[0], 7U);
+    EXPECT_EQ(nlsAddBuffer(open.handle, nullptr, 76000), NLS_BAD_ARG);
+    EXPECT_EQ(nlsGetMem(open.handle, 8, 8, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsTlsInit(0, block.data(), nullptr, &tls), NLS_BAD_ARG);
+    EXPECT_EQ(nlsTlsInit(0, block.data(), &size, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsCreateLocale(open.handle, nullptr, nullptr, nullptr, &found), NLS_BAD_ARG);
+    EXPECT_EQ(nlsCreateLocale(open.handle, "LATIN", nullptr, nullptr, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(findLocale(nullptr, "LATIN", nullptr, nullptr, &found), NLS_BAD_ARG);
+    EXPECT_EQ(nlsCreateConversion(open.handle, locale, locale, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsCreateConversion(nullptr, locale, locale, nullptr), NLS_BAD_HANDLE);
+    EXPECT_EQ(findConversion(open.handle, locale, locale, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsCloseDBLocale(locale, nullptr, &size), NLS_BAD_ARG);
+    EXPECT_EQ(nlsCloseDBLocale(locale, &memory, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(open.handle->busy, 0U);
+}
+
 TEST(Handle, ContentsReadAgainReplaceTheOldOnSuccessAlone) {
     OpenHandle open{smallWorld().build()};
     nlsTocEntry* const old = open.handle->toc;

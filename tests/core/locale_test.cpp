@@ -126,12 +126,13 @@ nlsLocale* planted(OpenHandle& open, nlsLocale& locale, const char* charset, con
 
 TEST(Locale, SearchGoesByAllThreeNames) {
     OpenHandle open{smallWorld().build()};
-    nlsLocale room[5];
+    nlsLocale room[6];
     nlsLocale* const bare = planted(open, room[0], "LATIN", "", "");
     nlsLocale* const basic = planted(open, room[1], "LATIN", "basic", "");
     nlsLocale* const german = planted(open, room[2], "LATIN", "german", "turkish");
     nlsLocale* const cased = planted(open, room[3], "LATIN", "", "turkish");
     nlsLocale* const other = planted(open, room[4], "CYRILLIC", "", "");
+    nlsLocale* const blanks = planted(open, room[5], "BLANKS", "   ", " ");  // names, though equal to the empty one
     const struct {
         const char* charset;
         const char* collation;
@@ -149,6 +150,9 @@ TEST(Locale, SearchGoesByAllThreeNames) {
         {"CYRILLIC", NLS_NO_COLLATION, nullptr, other},
         {"CYRILLIC", nullptr, nullptr, nullptr},
         {"GREEK", NLS_NO_COLLATION, nullptr, nullptr},
+        {"BLANKS", NLS_NO_COLLATION, "", nullptr},
+        {"BLANKS", " ", nullptr, nullptr},
+        {"BLANKS", " ", "", blanks},
     };
     for (const auto& row : rows) {
         nlsLocale* found = nullptr;

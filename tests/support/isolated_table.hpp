@@ -1,5 +1,5 @@
-// A copy of a conversion table of which each piece has an allocation of its own, of just its size. In the arena the pieces
-// stand close together, and a reader that runs from one into the next goes unseen; here the sanitizer sees it.
+// A copy of a conversion table of which each piece has an allocation of its own, of just its size. In the arena the
+// pieces stand close together, and a reader that runs from one into the next goes unseen; here the sanitizer sees it.
 #pragma once
 
 #include <cstring>
