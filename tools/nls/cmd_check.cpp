@@ -48,7 +48,7 @@ private:
     }
 
     void checkFile(Input& input) {
-        Report report{stdout, options_.limit, common_.json};
+        Report report{stdout, options_.limit, common_.json ? Report::Form::kept : Report::Form::lines};
         Converter converter{from_, nullptr, false};
         uint64_t characters = 0;
         forEachPiece(input, converter, progress_, [&](const Piece& piece, const Place& place) {

@@ -35,7 +35,7 @@ public:
           policy_(options_.substitute ? Policy::substitute
                   : options_.drop     ? Policy::drop
                                       : Policy::stop),
-          report_(stderr, options_.limit, common.json || (options_.silent && policy_ != Policy::stop)),
+          report_(stderr, options_.limit, reportForm()),
           progress_(totalSize(options_.files), !common.json && !options_.silent),
           output_(options_.output) {}
 
@@ -67,6 +67,11 @@ private:
             if (policy_ == Policy::substitute) output_.write(to_.substitute());
             return !stopped_ || input.isRegular();
         });
+    }
+
+    Report::Form reportForm() const {
+        if (common_.json) return Report::Form::kept;
+        return options_.silent && policy_ != Policy::stop ? Report::Form::counted : Report::Form::lines;
     }
 
     const char* consequence() const {
@@ -103,7 +108,7 @@ private:
         json.member("complete", !stopped_).member("problemCount", report_.count()).key("problems");
         report_.writeTo(json);
         json.member("exit", static_cast<int64_t>(code)).close('}');
-        std::fprintf(output_.isFile() ? stdout : stderr, "%s\n", json.text().c_str());
+        std::fprintf(output_.isStandardOutput() ? stderr : stdout, "%s\n", json.text().c_str());
     }
 
     const Common& common_;

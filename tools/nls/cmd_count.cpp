@@ -104,7 +104,7 @@ private:
 
     Counts countFile(Input& input) {
         Counts counts;
-        Report report{stderr, 1, common_.json};
+        Report report{stderr, 1, common_.json ? Report::Form::counted : Report::Form::lines};
         Converter converter{from_, nullptr, false};
         forEachPiece(input, converter, progress_, [&](const Piece& piece, const Place& place) {
             if (piece.good) {

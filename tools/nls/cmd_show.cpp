@@ -23,7 +23,11 @@ std::string joined(const std::vector<std::string>& names) {
 class Show {
 public:
     Show(const Common& common, const std::string& name)
-        : common_(common), session_(findDataFile(common.dataFile)), charset_(session_, name) {}
+        : common_(common),
+          session_(findDataFile(common.dataFile)),
+          utf8_(session_.locale("UTF-8")),
+          usedBefore_(session_.arenaUsed()),
+          charset_(session_, name) {}
 
     Exit run() {
         gather();
@@ -55,7 +59,8 @@ private:
         }
         if (charset_.isLegacy()) add("substitute", "substitute", hexOf(charset_.substitute()));
         gatherContents();
-        add("memory", "arenaBytes", std::to_string(session_.arenaUsed()));
+        const uint64_t bytes = session_.arenaUsed() - usedBefore_;
+        if (bytes != 0) add("memory", "memory", std::to_string(bytes) + " bytes of arena for all of it");
     }
 
     std::string kind() const {
@@ -151,7 +156,7 @@ private:
         const uint32_t value = codePointOf(bytes);
         if (value < 0x20 || (value >= 0x7F && value < 0xA0)) return "  .";
         uint32_t columns = 0;
-        nlsCountColumns(utf8(), nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &columns);
+        nlsCountColumns(utf8_, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &columns);
         // A mark needs a letter to stand on.
         if (columns == 0 || (value >= 0x300 && value < 0x370) || (value >= 0x5B0 && value < 0x5D0) ||
             (value >= 0x64B && value < 0x660)) {
@@ -160,12 +165,11 @@ private:
         return std::string(columns >= 2 ? 1 : 2, ' ') + text;
     }
 
-    const nlsLocale* utf8() const { return utf8_; }
-
     const Common& common_;
     Session session_;
+    const nlsLocale* utf8_;
+    uint64_t usedBefore_;
     TextCharset charset_;
-    const nlsLocale* utf8_ = session_.locale("UTF-8");
     std::vector<Row> rows_;
 };
 

@@ -1,6 +1,8 @@
 // The output of a conversion: the standard output, or a file that appears under its name only when it is complete.
 #pragma once
 
+#include <unistd.h>
+
 #include <string>
 
 #include "core/base/views.hpp"
@@ -19,7 +21,9 @@ public:
     Output& operator=(const Output&) = delete;
 
     const std::string& name() const { return name_; }
-    bool isFile() const { return !temporary_.empty(); }
+    bool isStandardOutput() const { return descriptor_ == STDOUT_FILENO; }
+    // Whether it appears under its name only when it is kept.
+    bool isFile() const { return !final_.empty(); }
     void write(ByteView bytes);
     // All that was written is there now, under the final name.
     void keep();

@@ -22,8 +22,14 @@ struct Problem {
 
 class Report {
 public:
-    // Lines go to `stream` as problems come, at most `limit` of them (0: all); none at all with `quiet`.
-    Report(std::FILE* stream, uint64_t limit, bool quiet) : stream_(stream), limit_(limit), quiet_(quiet) {}
+    enum class Form {
+        lines,   // written to the stream as the problems come
+        kept,    // for `writeTo`
+        counted  // neither
+    };
+
+    // At most `limit` problems are told in full; 0: all.
+    Report(std::FILE* stream, uint64_t limit, Form form) : stream_(stream), limit_(limit), form_(form) {}
 
     // The last piece of `converter`, which isn't good. `consequence` is what became of it; may be empty.
     void add(const std::string& file, const Piece& piece, const Place& place, const Converter& converter,
@@ -32,15 +38,15 @@ public:
     void finish();
 
     uint64_t count() const { return count_; }
-    // The problems told in full, as a list of objects.
+    // The kept problems, as a list of objects.
     void writeTo(JsonWriter& json) const;
 
 private:
     std::FILE* stream_;
     uint64_t limit_;
-    bool quiet_;
+    Form form_;
     uint64_t count_ = 0;
-    std::vector<Problem> told_;
+    std::vector<Problem> kept_;
 };
 
 // "1 character", "12 characters".
