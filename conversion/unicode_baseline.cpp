@@ -117,41 +117,42 @@ void storeWords<4>(unsigned char* place, const Words& words, bool swap) {
 }
 
 template <int kFrom, int kTo, bool (*kFits)(const Words&)>
-UnicodeWalk takeBlocks(UnicodeWalk walk) {
+WideTaken takeBlocks(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     const unsigned char* place = walk.source.place();
-    unsigned char* target = walk.target.place();
+    unsigned char* out = walk.target.place();
     std::size_t blocks = std::min(walk.source.left() / (kUnits * kFrom), walk.target.room() / (kUnits * kTo));
     for (; blocks != 0; --blocks) {
         const Words words = loadWords<kFrom>(place, walk.order.swapSource);
         if (!kFits(words)) break;
-        storeWords<kTo>(target, words, walk.order.swapTarget);
+        storeWords<kTo>(out, words, walk.order.swapTarget);
         place += kUnits * kFrom;
-        target += kUnits * kTo;
+        out += kUnits * kTo;
     }
     walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
-    return walk;
+    walk.target.advance(static_cast<std::size_t>(out - walk.target.place()));
+    return takenBy(walk, source);
 }
 
 }  // namespace
 
-UnicodeWalk utf8ToUtf16Baseline(UnicodeWalk walk) {
-    return takeBlocks<1, 2, isAscii>(walk);
+WideTaken utf8ToUtf16Baseline(ByteView source, ByteSpan target, ByteOrder order) {
+    return takeBlocks<1, 2, isAscii>(source, target, order);
 }
-UnicodeWalk utf8ToUcs4Baseline(UnicodeWalk walk) {
-    return takeBlocks<1, 4, isAscii>(walk);
+WideTaken utf8ToUcs4Baseline(ByteView source, ByteSpan target, ByteOrder order) {
+    return takeBlocks<1, 4, isAscii>(source, target, order);
 }
-UnicodeWalk utf16ToUtf8Baseline(UnicodeWalk walk) {
-    return takeBlocks<2, 1, isAscii>(walk);
+WideTaken utf16ToUtf8Baseline(ByteView source, ByteSpan target, ByteOrder order) {
+    return takeBlocks<2, 1, isAscii>(source, target, order);
 }
-UnicodeWalk ucs4ToUtf8Baseline(UnicodeWalk walk) {
-    return takeBlocks<4, 1, isAscii>(walk);
+WideTaken ucs4ToUtf8Baseline(ByteView source, ByteSpan target, ByteOrder order) {
+    return takeBlocks<4, 1, isAscii>(source, target, order);
 }
-UnicodeWalk utf16ToUcs4Baseline(UnicodeWalk walk) {
-    return takeBlocks<2, 4, isWithoutSurrogates>(walk);
+WideTaken utf16ToUcs4Baseline(ByteView source, ByteSpan target, ByteOrder order) {
+    return takeBlocks<2, 4, isWithoutSurrogates>(source, target, order);
 }
-UnicodeWalk ucs4ToUtf16Baseline(UnicodeWalk walk) {
-    return takeBlocks<4, 2, isBmp>(walk);
+WideTaken ucs4ToUtf16Baseline(ByteView source, ByteSpan target, ByteOrder order) {
+    return takeBlocks<4, 2, isBmp>(source, target, order);
 }
 
 }  // namespace nls

@@ -73,7 +73,7 @@ ByteView wholeUnits(ByteView bytes, std::size_t unit) {
 }
 
 using Step = bool (*)(UnicodeWalk&);
-using WideWalk = UnicodeWalk (*)(UnicodeWalk);
+using WideWalk = WideTaken (*)(ByteView source, ByteSpan target, ByteOrder order);
 
 // As many bytes as a wide block has, or as are left. False when the walk ends in them.
 template <Step kStep>
@@ -87,16 +87,30 @@ bool takeExactly(UnicodeWalk& walk) {
     return going;
 }
 
-// Wide as far as the text is regular, then exactly over what the wide walk left, and wide again.
+// The rest of a text of which the front is taken: exactly over what the wide walk left, then wide as far as the text is
+// regular, and so on.
+template <Step kStep>
+[[gnu::noinline]] Transformed finish(WideWalk wide, ByteView source, ByteSpan target, ByteOrder order,
+                                     WideTaken taken) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
+    for (;;) {
+        walk.source.skip(taken.read);
+        walk.target.advance(taken.written);
+        if (!takeExactly<kStep>(walk) || walk.source.atEnd()) break;
+        taken = wide({walk.source.place(), walk.source.left()}, {walk.target.place(), walk.target.room()}, order);
+    }
+    return {walk.status, source.size() - walk.source.left(), walk.target.written()};
+}
+
 template <Step kStep, WideWalk kBaseline, WideWalk kAvx2, WideWalk kAvx512>
 Transformed transform(ByteView source, ByteSpan target, ByteOrder order) {
     const CpuLevel level = cpuLevel();
-    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
-    while (!walk.source.atEnd()) {
-        walk = level == CpuLevel::avx512 ? kAvx512(walk) : level == CpuLevel::avx2 ? kAvx2(walk) : kBaseline(walk);
-        if (!takeExactly<kStep>(walk)) break;
-    }
-    return {walk.status, source.size() - walk.source.left(), walk.target.written()};
+    const WideTaken taken = level == CpuLevel::avx512 ? kAvx512(source, target, order)
+                            : level == CpuLevel::avx2 ? kAvx2(source, target, order)
+                                                      : kBaseline(source, target, order);
+    if (taken.read == source.size()) return {NLS_OK, taken.read, taken.written};
+    const WideWalk wide = level == CpuLevel::avx512 ? kAvx512 : level == CpuLevel::avx2 ? kAvx2 : kBaseline;
+    return finish<kStep>(wide, source, target, order, taken);
 }
 
 }  // namespace

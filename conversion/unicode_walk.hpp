@@ -1,8 +1,6 @@
 // Where a Unicode transform stands, shared by the exact walk and the wide one.
 //
-// The wide walks (conversion/*_avx2.cpp and so on) take what is well-formed off the front of the source, as far as the
-// room surely reaches, and set no status. The exact walk takes the rest, character by character, and alone decides how
-// a transform ends.
+// The wide walks (unicode_wide.hpp) leave the status alone; the exact walk decides how a transform ends.
 #pragma once
 
 #include "conversion/converted.hpp"

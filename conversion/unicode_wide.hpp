@@ -5,31 +5,44 @@
 // bytes and positions, and nothing behind the last byte written is touched. None sets a status.
 #pragma once
 
+#include <cstddef>
+
+#include "conversion/converted.hpp"
 #include "conversion/unicode_walk.hpp"
+#include "core/base/views.hpp"
 
 namespace nls {
 
+// Bytes of whole characters read, and bytes written. Both fit into registers, as do the arguments: a call on a short
+// text costs no detour through memory.
+struct WideTaken {
+    std::size_t read, written;
+};
+inline WideTaken takenBy(const UnicodeWalk& walk, ByteView source) {
+    return {source.size() - walk.source.left(), walk.target.written()};
+}
+
 // Plain x86-64: runs of ASCII, and of units without surrogates between UTF-16 and UCS4.
-UnicodeWalk utf8ToUtf16Baseline(UnicodeWalk walk);
-UnicodeWalk utf8ToUcs4Baseline(UnicodeWalk walk);
-UnicodeWalk utf16ToUtf8Baseline(UnicodeWalk walk);
-UnicodeWalk ucs4ToUtf8Baseline(UnicodeWalk walk);
-UnicodeWalk utf16ToUcs4Baseline(UnicodeWalk walk);
-UnicodeWalk ucs4ToUtf16Baseline(UnicodeWalk walk);
+WideTaken utf8ToUtf16Baseline(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf8ToUcs4Baseline(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf16ToUtf8Baseline(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken ucs4ToUtf8Baseline(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf16ToUcs4Baseline(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken ucs4ToUtf16Baseline(ByteView source, ByteSpan target, ByteOrder order);
 
 // All well-formed text.
-UnicodeWalk utf8ToUtf16Avx2(UnicodeWalk walk);
-UnicodeWalk utf8ToUcs4Avx2(UnicodeWalk walk);
-UnicodeWalk utf16ToUtf8Avx2(UnicodeWalk walk);
-UnicodeWalk ucs4ToUtf8Avx2(UnicodeWalk walk);
-UnicodeWalk utf16ToUcs4Avx2(UnicodeWalk walk);
-UnicodeWalk ucs4ToUtf16Avx2(UnicodeWalk walk);
+WideTaken utf8ToUtf16Avx2(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf8ToUcs4Avx2(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf16ToUtf8Avx2(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken ucs4ToUtf8Avx2(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf16ToUcs4Avx2(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken ucs4ToUtf16Avx2(ByteView source, ByteSpan target, ByteOrder order);
 
-UnicodeWalk utf8ToUtf16Avx512(UnicodeWalk walk);
-UnicodeWalk utf8ToUcs4Avx512(UnicodeWalk walk);
-UnicodeWalk utf16ToUtf8Avx512(UnicodeWalk walk);
-UnicodeWalk ucs4ToUtf8Avx512(UnicodeWalk walk);
-UnicodeWalk utf16ToUcs4Avx512(UnicodeWalk walk);
-UnicodeWalk ucs4ToUtf16Avx512(UnicodeWalk walk);
+WideTaken utf8ToUtf16Avx512(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf8ToUcs4Avx512(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf16ToUtf8Avx512(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken ucs4ToUtf8Avx512(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken utf16ToUcs4Avx512(ByteView source, ByteSpan target, ByteOrder order);
+WideTaken ucs4ToUtf16Avx512(ByteView source, ByteSpan target, ByteOrder order);
 
 }  // namespace nls

@@ -42,7 +42,7 @@ NLS_TARGET_AVX2 inline unsigned char* storeValues(unsigned char* target, __m256i
 }
 
 // Whole blocks without surrogates as far as they go.
-NLS_TARGET_AVX2 inline void widenUnits(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline void widenUnits(UnicodeWalk& walk) {
     const ByteOrder order = walk.order;
     std::size_t blocks = std::min(walk.source.left() / (2 * kUnits), walk.target.room() / (4 * kUnits));
     const unsigned char* place = walk.source.place();
@@ -61,7 +61,7 @@ NLS_TARGET_AVX2 inline void widenUnits(UnicodeWalk& walk) {
 }
 
 // Any block, the last one too. False, and nothing taken, if it doesn't fit.
-NLS_TARGET_AVX2 inline bool foldUnits(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool foldUnits(UnicodeWalk& walk) {
     const std::size_t left = walk.source.left() / 2, count = std::min(left, kUnits);
     const __m256i loaded = loadUpTo32(walk.source.place(), 2 * count);
     const __m256i units = walk.order.swapSource ? swapWords(loaded) : loaded;
@@ -119,7 +119,7 @@ NLS_TARGET_AVX2 inline __m256i loadValues(const unsigned char* place, std::size_
 }
 
 // Whole blocks of the BMP as far as they go.
-NLS_TARGET_AVX2 inline void narrowValues(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline void narrowValues(UnicodeWalk& walk) {
     const ByteOrder order = walk.order;
     std::size_t blocks = std::min(walk.source.left() / (4 * kUnits), walk.target.room() / (2 * kUnits));
     const unsigned char* place = walk.source.place();
@@ -138,7 +138,7 @@ NLS_TARGET_AVX2 inline void narrowValues(UnicodeWalk& walk) {
 
 // Any block, the last one too: its missing values make one unit each behind the rest. False, and nothing taken, if it
 // doesn't fit.
-NLS_TARGET_AVX2 inline bool splitValues(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool splitValues(UnicodeWalk& walk) {
     const std::size_t size = std::min(walk.source.left(), 4 * kUnits), firstSize = std::min<std::size_t>(size, 32);
     const bool swap = walk.order.swapSource;
     const __m256i first = replaceBeyondLast(loadValues(walk.source.place(), firstSize, swap));
@@ -158,22 +158,24 @@ NLS_TARGET_AVX2 inline bool splitValues(UnicodeWalk& walk) {
 
 }  // namespace
 
-NLS_TARGET_AVX2 UnicodeWalk utf16ToUcs4Avx2(UnicodeWalk walk) {
+NLS_TARGET_AVX2 WideTaken utf16ToUcs4Avx2(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     bool going = true;
     while (going && !walk.source.atEnd()) {
         widenUnits(walk);
         going = walk.source.atEnd() || foldUnits(walk);
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
-NLS_TARGET_AVX2 UnicodeWalk ucs4ToUtf16Avx2(UnicodeWalk walk) {
+NLS_TARGET_AVX2 WideTaken ucs4ToUtf16Avx2(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     bool going = true;
     while (going && !walk.source.atEnd()) {
         narrowValues(walk);
         going = walk.source.atEnd() || splitValues(walk);
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
 }  // namespace nls

@@ -57,8 +57,8 @@ NLS_TARGET_AVX512 inline Halves splitPairs(__m512i values, __mmask16 wanted) {
 
 }  // namespace
 
-NLS_TARGET_AVX512 UnicodeWalk utf16ToUcs4Avx512(UnicodeWalk walk) {
-    const ByteOrder order = walk.order;
+NLS_TARGET_AVX512 WideTaken utf16ToUcs4Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     while (!walk.source.atEnd()) {
         const std::size_t left = walk.source.left() / 2, count = std::min(left, kUnits);
         __m512i units = loadUnits(walk.source.place(), count, order.swapSource);
@@ -76,11 +76,11 @@ NLS_TARGET_AVX512 UnicodeWalk utf16ToUcs4Avx512(UnicodeWalk walk) {
         walk.source.skip(2 * taken);
         walk.target.advance(4 * written);
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
-NLS_TARGET_AVX512 UnicodeWalk ucs4ToUtf16Avx512(UnicodeWalk walk) {
-    const ByteOrder order = walk.order;
+NLS_TARGET_AVX512 WideTaken ucs4ToUtf16Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     while (!walk.source.atEnd()) {
         const std::size_t count = std::min(walk.source.left() / 4, kUnits);
         const __mmask16 wanted = static_cast<__mmask16>(firstBits(count));
@@ -95,7 +95,7 @@ NLS_TARGET_AVX512 UnicodeWalk ucs4ToUtf16Avx512(UnicodeWalk walk) {
         walk.source.skip(4 * count);
         walk.target.advance(2 * written);
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
 }  // namespace nls

@@ -164,7 +164,7 @@ NLS_TARGET_AVX2 inline bool hasRoomForDirect(const UnicodeWalk& walk) {
 
 // A block that starts and ends with a whole character. False, and nothing taken, if it isn't one or doesn't fit.
 template <int kUnit>
-NLS_TARGET_AVX2 inline bool takeAlone(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool takeAlone(UnicodeWalk& walk) {
     const std::size_t size = std::min(walk.source.left(), kBlock);
     const std::size_t taken = size - std::min(cutOffBytes(walk.source.place(), size), size);
     const uint32_t present = static_cast<uint32_t>(_bzhi_u64(~uint64_t{0}, static_cast<unsigned>(size)));
@@ -233,7 +233,7 @@ inline Surplus surplusOf(const unsigned char* place) {
 // Blocks in the middle of a text, each of 32 bytes wherever its characters begin. REQUIRES: three bytes in front of the
 // place are regular text that was taken already; hasRoomForDirect.
 template <int kUnit, bool kSwap>
-NLS_TARGET_AVX2 inline void takeInside(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline void takeInside(UnicodeWalk& walk) {
     const unsigned char* place = walk.source.place();
     unsigned char* target = walk.target.place();
     const unsigned char* const lastPlace = place + walk.source.left() - kSourceForDirect;
@@ -259,7 +259,8 @@ NLS_TARGET_AVX2 inline void takeInside(UnicodeWalk& walk) {
 }
 
 template <int kUnit>
-NLS_TARGET_AVX2 inline UnicodeWalk decode(UnicodeWalk walk) {
+NLS_TARGET_AVX2 inline WideTaken decode(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     while (!walk.source.atEnd() && takeAlone<kUnit>(walk)) {
         if (!hasRoomForDirect<kUnit>(walk)) continue;
         if (walk.order.swapTarget) {
@@ -268,17 +269,17 @@ NLS_TARGET_AVX2 inline UnicodeWalk decode(UnicodeWalk walk) {
             takeInside<kUnit, false>(walk);
         }
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
 }  // namespace
 
-NLS_TARGET_AVX2 UnicodeWalk utf8ToUtf16Avx2(UnicodeWalk walk) {
-    return decode<2>(walk);
+NLS_TARGET_AVX2 WideTaken utf8ToUtf16Avx2(ByteView source, ByteSpan target, ByteOrder order) {
+    return decode<2>(source, target, order);
 }
 
-NLS_TARGET_AVX2 UnicodeWalk utf8ToUcs4Avx2(UnicodeWalk walk) {
-    return decode<4>(walk);
+NLS_TARGET_AVX2 WideTaken utf8ToUcs4Avx2(ByteView source, ByteSpan target, ByteOrder order) {
+    return decode<4>(source, target, order);
 }
 
 }  // namespace nls

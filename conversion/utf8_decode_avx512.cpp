@@ -27,37 +27,40 @@ NLS_TARGET_AVX512 inline __m512i select(__m512i mask, __m512i from, __m512i othe
 
 // Up to 64 bytes of text and where its characters stand.
 struct Block {
+    const unsigned char* place;
     __m512i text;
-    uint64_t trails, threes, fours;  // bytes 10xxxxxx; first bytes from E0 on, from F0 on
-    uint64_t used;                   // the bytes of the characters that end in the block
+    uint64_t trails, leads, threes, fours;  // bytes 10xxxxxx; first bytes from C0, from E0, from F0 on
+    uint64_t used;                          // the bytes of the characters that end in the block
     bool regular;
 
     uint64_t ends() const { return used & ~(trails >> 1); }
 };
 
-// The characters of a regular block end within its first `taken` bytes.
-NLS_TARGET_AVX512 inline Block classify(__m512i text, uint64_t present, std::size_t taken) {
+// Bit 7 - kBit of each byte.
+template <int kBit>
+NLS_TARGET_AVX512 inline uint64_t bitsOf(__m512i text) {
+    return _mm512_movepi8_mask(_mm512_slli_epi16(text, kBit));
+}
+
+// All but `used`. The bits are taken one by one, since compares would meet the squeezes at the one port that has both.
+NLS_TARGET_AVX512 inline Block classify(const unsigned char* place, __m512i text, uint64_t present) {
+    const uint64_t beyondAscii = bitsOf<0>(text), second = bitsOf<1>(text);
     Block block;
+    block.place = place;
     block.text = text;
-    block.trails = _mm512_cmplt_epi8_mask(text, bytes(-0x40));
-    block.threes = _mm512_cmpge_epu8_mask(text, bytes(0xE0));
-    block.fours = _mm512_cmpge_epu8_mask(text, bytes(0xF0));
-    block.used = firstBits(taken);
-    const uint64_t leads = _mm512_movepi8_mask(text) & ~block.trails;
-    const uint64_t announced = (leads << 1) | (block.threes << 2) | (block.fours << 3);
+    block.trails = beyondAscii & ~second;
+    block.leads = beyondAscii & second;
+    block.threes = block.leads & bitsOf<2>(text);
+    block.fours = block.threes & bitsOf<3>(text);
+    const uint64_t announced = (block.leads << 1) | (block.threes << 2) | (block.fours << 3);
     block.regular = ((announced ^ block.trails) & present) == 0;
     return block;
 }
 
-// Byte i of the result is byte i - kDistance of the block, or 0 where `wanted` has no bit.
-template <int kDistance>
-NLS_TARGET_AVX512 inline __m512i bytesBefore(__m512i text, uint64_t wanted) {
-    alignas(64) static constexpr std::array<int8_t, 64> kPlaces = [] {
-        std::array<int8_t, 64> places{};
-        for (int i = 0; i < 64; ++i) places[static_cast<std::size_t>(i)] = static_cast<int8_t>(i - kDistance);
-        return places;
-    }();
-    return _mm512_maskz_permutexvar_epi8(wanted, _mm512_load_si512(kPlaces.data()), text);
+// The bytes that stand `distance` in front of those of the block, zero where `wanted` has no bit. REQUIRES: what is
+// wanted stands in the block.
+NLS_TARGET_AVX512 inline __m512i bytesBefore(const unsigned char* place, int distance, uint64_t wanted) {
+    return _mm512_maskz_loadu_epi8(wanted, place - distance);
 }
 
 // The value's low, high and top eight bits at the place of its last byte; surrogates instead once they are split.
@@ -69,8 +72,8 @@ struct Planes {
 
 NLS_TARGET_AVX512 inline Planes planesOf(const Block& block) {
     Planes planes;
-    planes.before = bytesBefore<1>(block.text, block.trails);
-    planes.before2 = bytesBefore<2>(block.text, (block.threes << 2) | (block.fours << 3));
+    planes.before = bytesBefore(block.place, 1, block.trails);
+    planes.before2 = bytesBefore(block.place, 2, ((block.threes << 2) | (block.fours << 3)) & block.used);
     const __m512i lowTwo = _mm512_and_si512(_mm512_slli_epi16(planes.before, 6), bytes(0xC0));
     planes.low = _mm512_or_si512(_mm512_and_si512(block.text, bytes(0x7F)), lowTwo);
     const __m512i fourBits = _mm512_srli_epi16(planes.before, 2);
@@ -102,7 +105,7 @@ NLS_TARGET_AVX512 inline bool splitIntoSurrogates(const Block& block, Planes& pl
 // Completes the values of four bytes. False: some value is above U+10FFFF.
 NLS_TARGET_AVX512 inline bool addTopPlane(const Block& block, Planes& planes) {
     const uint64_t fourths = (block.fours << 3) & block.used;
-    const __m512i three = _mm512_sub_epi8(bytesBefore<3>(block.text, fourths), bytes(0xF0));
+    const __m512i three = _mm512_sub_epi8(bytesBefore(block.place, 3, fourths), bytes(0xF0));
     const __m512i twoBits = _mm512_srli_epi16(planes.before2, 4);
     const __m512i top = select(bytes(0x03), twoBits, _mm512_slli_epi16(three, 2));
     planes.top = _mm512_maskz_mov_epi8(fourths, top);
@@ -163,7 +166,7 @@ NLS_TARGET_AVX512 inline void storePlanes(unsigned char* target, const Planes& p
 
 // Whole blocks of ASCII as far as they go.
 template <int kUnit>
-NLS_TARGET_AVX512 inline void takeAscii(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline void takeAscii(UnicodeWalk& walk) {
     const unsigned char* place = walk.source.place();
     unsigned char* target = walk.target.place();
     std::size_t blocks = std::min(walk.source.left() / kBlock, walk.target.room() / (kBlock * kUnit));
@@ -181,47 +184,95 @@ NLS_TARGET_AVX512 inline void takeAscii(UnicodeWalk& walk) {
     walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
 }
 
-// One block, the last one too. False, and nothing taken, if it isn't regular or doesn't fit.
-template <int kUnit, bool kWhole>
-NLS_TARGET_AVX512 inline bool takeBlock(UnicodeWalk& walk) {
-    const std::size_t size = kWhole ? kBlock : walk.source.left();
-    const unsigned char* const place = walk.source.place();
-    const std::size_t taken = size - std::min(cutOffBytes(place, size), size);
-    const uint64_t present = kWhole ? ~uint64_t{0} : firstBits(size);
-    const Block block = classify(_mm512_maskz_loadu_epi8(present, place), present, taken);
-    if (!block.regular || taken == 0) return false;
+// The bytes written, or kOdd for a block that the exact walk has to take. REQUIRES: block.regular.
+constexpr std::size_t kOdd = ~std::size_t{0};
+
+template <int kUnit>
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline std::size_t storeBlock(const Block& block, unsigned char* target,
+                                                                       std::size_t room, bool swap) {
     Planes planes = planesOf(block);
     if (block.fours != 0 && !(kUnit == 2 ? splitIntoSurrogates(block, planes) : addTopPlane(block, planes)))
-        return false;
+        return kOdd;
     const std::size_t written = kUnit * static_cast<std::size_t>(_mm_popcnt_u64(planes.wanted));
-    if (written > walk.target.room()) return false;
-    storePlanes<kUnit>(walk.target.place(), planes, walk.order.swapTarget);
-    walk.source.skip(taken);
+    if (written > room) return kOdd;
+    storePlanes<kUnit>(target, planes, swap);
+    return written;
+}
+
+// A whole block.
+template <int kUnit>
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takeBlock(UnicodeWalk& walk) {
+    const unsigned char* const place = walk.source.place();
+    const std::size_t begun = cutOffBytes(place, kBlock);
+    Block block = classify(place, _mm512_loadu_si512(place), ~uint64_t{0});
+    if (!block.regular) return false;
+    block.used = ~uint64_t{0} >> begun;
+    const std::size_t written =
+        storeBlock<kUnit>(block, walk.target.place(), walk.target.room(), walk.order.swapTarget);
+    if (written == kOdd) return false;
+    walk.source.skip(kBlock - begun);
     walk.target.advance(written);
     return true;
 }
 
+// Less than 64 bytes of ASCII.
 template <int kUnit>
-NLS_TARGET_AVX512 inline UnicodeWalk decode(UnicodeWalk walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline WideTaken widenShort(__m512i text, std::size_t size, ByteSpan target,
+                                                                     bool swap) {
+    if (kUnit * size > target.size()) return {0, 0};
+    const __m512i zero = _mm512_setzero_si512();
+    if (swap) {
+        storeInterleaved<kUnit>(target.data(), zero, kUnit == 2 ? text : zero, zero, text, size);
+    } else {
+        storeInterleaved<kUnit>(target.data(), text, zero, zero, zero, size);
+    }
+    return {size, kUnit * size};
+}
+
+// The last block, or a short text: less than 64 bytes.
+template <int kUnit>
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline WideTaken decodeShort(ByteView source, ByteSpan target, bool swap) {
+    const uint64_t present = firstBits(source.size());
+    const __m512i text = _mm512_maskz_loadu_epi8(present, source.data());
+    if (bitsOf<0>(text) == 0) return widenShort<kUnit>(text, source.size(), target, swap);
+    Block block = classify(source.data(), text, present);
+    if (!block.regular) return {0, 0};
+    const uint64_t cutOff =
+        (block.leads & ~(present >> 1)) | (block.threes & ~(present >> 2)) | (block.fours & ~(present >> 3));
+    block.used = cutOff == 0 ? present : _blsmsk_u64(cutOff) >> 1;
+    const std::size_t written = storeBlock<kUnit>(block, target.data(), target.size(), swap);
+    if (written == kOdd) return {0, 0};
+    return {static_cast<std::size_t>(_mm_popcnt_u64(block.used)), written};
+}
+
+// At least one whole block, and what follows.
+template <int kUnit>
+[[gnu::noinline]] NLS_TARGET_AVX512 WideTaken decodeLong(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     while (walk.source.left() >= kBlock) {
         if (_mm512_movepi8_mask(_mm512_loadu_si512(walk.source.place())) == 0 && walk.target.room() >= kBlock * kUnit) {
             takeAscii<kUnit>(walk);
-        } else if (!takeBlock<kUnit, true>(walk)) {
-            return walk;
+        } else if (!takeBlock<kUnit>(walk)) {
+            return takenBy(walk, source);
         }
     }
-    if (!walk.source.atEnd()) takeBlock<kUnit, false>(walk);
-    return walk;
+    const WideTaken last = decodeShort<kUnit>({walk.source.place(), walk.source.left()},
+                                              {walk.target.place(), walk.target.room()}, order.swapTarget);
+    walk.source.skip(last.read);
+    walk.target.advance(last.written);
+    return takenBy(walk, source);
 }
 
 }  // namespace
 
-NLS_TARGET_AVX512 UnicodeWalk utf8ToUtf16Avx512(UnicodeWalk walk) {
-    return decode<2>(walk);
+NLS_TARGET_AVX512 WideTaken utf8ToUtf16Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    return source.size() < kBlock ? decodeShort<2>(source, target, order.swapTarget)
+                                  : decodeLong<2>(source, target, order);
 }
 
-NLS_TARGET_AVX512 UnicodeWalk utf8ToUcs4Avx512(UnicodeWalk walk) {
-    return decode<4>(walk);
+NLS_TARGET_AVX512 WideTaken utf8ToUcs4Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    return source.size() < kBlock ? decodeShort<4>(source, target, order.swapTarget)
+                                  : decodeLong<4>(source, target, order);
 }
 
 }  // namespace nls

@@ -153,7 +153,7 @@ NLS_TARGET_AVX2 inline __m128i narrowWords(__m256i units) {
 
 // Whole blocks of ASCII as far as they go; they make sixteen bytes each.
 template <bool kSwap>
-NLS_TARGET_AVX2 inline void takeAscii(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline void takeAscii(UnicodeWalk& walk) {
     std::size_t blocks = std::min(walk.source.left() / (2 * kUnits), walk.target.room() / kUnits);
     const unsigned char* place = walk.source.place();
     unsigned char* target = walk.target.place();
@@ -168,7 +168,7 @@ NLS_TARGET_AVX2 inline void takeAscii(UnicodeWalk& walk) {
 
 // False, and nothing taken, if the block is odd or doesn't fit.
 template <bool kSwap>
-NLS_TARGET_AVX2 inline bool takeUnits(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool takeUnits(UnicodeWalk& walk) {
     const std::size_t count = std::min(walk.source.left() / 2, kUnits);
     const __m256i loaded = loadUpTo32(walk.source.place(), 2 * count);
     const __m256i units = kSwap ? swapWords(loaded) : loaded;
@@ -186,14 +186,15 @@ NLS_TARGET_AVX2 inline bool takeUnits(UnicodeWalk& walk) {
 }
 
 template <bool kSwap>
-NLS_TARGET_AVX2 inline UnicodeWalk encodeUnits(UnicodeWalk walk) {
+NLS_TARGET_AVX2 inline WideTaken encodeUnits(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     constexpr uint64_t kBeyondAscii = kSwap ? 0x80FF80FF80FF80FF : 0xFF80FF80FF80FF80;
     while (!walk.source.atEnd()) {
         if (walk.source.left() >= 2 * kUnits && (loadWord<uint64_t>(walk.source.place()) & kBeyondAscii) == 0)
             takeAscii<kSwap>(walk);
         if (!walk.source.atEnd() && !takeUnits<kSwap>(walk)) break;
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
 // --- UCS4
@@ -244,7 +245,7 @@ NLS_TARGET_AVX2 inline unsigned char* storeSixteen(unsigned char* target, __m256
 }
 
 template <bool kSwap>
-NLS_TARGET_AVX2 inline bool takeValues(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool takeValues(UnicodeWalk& walk) {
     const std::size_t size = std::min(walk.source.left(), 4 * kUnits), firstSize = std::min<std::size_t>(size, 32);
     __m256i first = loadUpTo32(walk.source.place(), firstSize);
     __m256i second = loadUpTo32(walk.source.place() + firstSize, size - firstSize);
@@ -264,7 +265,7 @@ NLS_TARGET_AVX2 inline bool takeValues(UnicodeWalk& walk) {
 
 // As takeAscii of UTF-16, sixteen values a block.
 template <bool kSwap>
-NLS_TARGET_AVX2 inline void takeAsciiValues(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline void takeAsciiValues(UnicodeWalk& walk) {
     std::size_t blocks = std::min(walk.source.left() / (4 * kUnits), walk.target.room() / kUnits);
     const unsigned char* place = walk.source.place();
     unsigned char* target = walk.target.place();
@@ -280,22 +281,23 @@ NLS_TARGET_AVX2 inline void takeAsciiValues(UnicodeWalk& walk) {
 }
 
 template <bool kSwap>
-NLS_TARGET_AVX2 inline UnicodeWalk encodeValues(UnicodeWalk walk) {
+NLS_TARGET_AVX2 inline WideTaken encodeValues(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     while (!walk.source.atEnd()) {
         takeAsciiValues<kSwap>(walk);
         if (!walk.source.atEnd() && !takeValues<kSwap>(walk)) break;
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
 }  // namespace
 
-NLS_TARGET_AVX2 UnicodeWalk utf16ToUtf8Avx2(UnicodeWalk walk) {
-    return walk.order.swapSource ? encodeUnits<true>(walk) : encodeUnits<false>(walk);
+NLS_TARGET_AVX2 WideTaken utf16ToUtf8Avx2(ByteView source, ByteSpan target, ByteOrder order) {
+    return order.swapSource ? encodeUnits<true>(source, target, order) : encodeUnits<false>(source, target, order);
 }
 
-NLS_TARGET_AVX2 UnicodeWalk ucs4ToUtf8Avx2(UnicodeWalk walk) {
-    return walk.order.swapSource ? encodeValues<true>(walk) : encodeValues<false>(walk);
+NLS_TARGET_AVX2 WideTaken ucs4ToUtf8Avx2(ByteView source, ByteSpan target, ByteOrder order) {
+    return order.swapSource ? encodeValues<true>(source, target, order) : encodeValues<false>(source, target, order);
 }
 
 }  // namespace nls

@@ -80,15 +80,24 @@ NLS_TARGET_AVX512 inline __m512i foldPairs(__m512i units, __m512i before, __mmas
     return _mm512_mask_add_epi32(units, lows, high, low);
 }
 
-// Writes the block if it fits. The bytes written, or 0.
-NLS_TARGET_AVX512 inline std::size_t storeSpreads(UnicodeWalk& walk, const Spread& first, const Spread& second) {
+// Thirty-two values in two registers; writes those of `wanted` if they fit. The bytes written, or 0.
+template <int kLongest>
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline std::size_t storeValues(UnicodeWalk& walk, __m512i values,
+                                                                        __m512i values16, uint64_t wanted) {
+    const Spread first = spreadValues<kLongest>(values, static_cast<__mmask16>(wanted));
+    if (wanted >> 16 == 0) {
+        if (first.size() > walk.target.room()) return 0;
+        squeezeInto(walk.target.place(), first);
+        return first.size();
+    }
+    const Spread second = spreadValues<kLongest>(values16, static_cast<__mmask16>(wanted >> 16));
     const std::size_t size = first.size() + second.size();
     if (size > walk.target.room()) return 0;
     squeezeInto(squeezeInto(walk.target.place(), first), second);
     return size;
 }
 
-NLS_TARGET_AVX512 inline bool takeShort(UnicodeWalk& walk, __m512i units, std::size_t count) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takeShort(UnicodeWalk& walk, __m512i units, std::size_t count) {
     const Spread spread = spreadShortUnits(units, static_cast<__mmask32>(firstBits(count)));
     if (spread.size() > walk.target.room()) return false;
     walk.target.advance(static_cast<std::size_t>(squeezeInto(walk.target.place(), spread) - walk.target.place()));
@@ -96,11 +105,9 @@ NLS_TARGET_AVX512 inline bool takeShort(UnicodeWalk& walk, __m512i units, std::s
     return true;
 }
 
-NLS_TARGET_AVX512 inline bool takeBmp(UnicodeWalk& walk, __m512i units, std::size_t count) {
-    const uint64_t wanted = firstBits(count);
-    const Spread first = spreadValues<3>(widenWords(lowHalf(units)), static_cast<__mmask16>(wanted));
-    const Spread second = spreadValues<3>(widenWords(highHalf(units)), static_cast<__mmask16>(wanted >> 16));
-    const std::size_t written = storeSpreads(walk, first, second);
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takeBmp(UnicodeWalk& walk, __m512i units, std::size_t count) {
+    const std::size_t written =
+        storeValues<3>(walk, widenWords(lowHalf(units)), widenWords(highHalf(units)), firstBits(count));
     walk.target.advance(written);
     walk.source.skip(written == 0 ? 0 : 2 * count);
     return written != 0;
@@ -112,7 +119,7 @@ NLS_TARGET_AVX512 inline __mmask32 unitsBetween(__m512i units, int first, int co
 }
 
 // A high surrogate in the last place waits for the next block.
-NLS_TARGET_AVX512 inline bool takePairs(UnicodeWalk& walk, __m512i units, std::size_t count) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takePairs(UnicodeWalk& walk, __m512i units, std::size_t count) {
     const uint64_t highs = unitsBetween(units, 0xD800, 0x400), lows = unitsBetween(units, 0xDC00, 0x400);
     const std::size_t taken = count - (highs >> (count - 1) & 1);
     const uint64_t wanted = firstBits(taken) & ~highs;
@@ -124,8 +131,7 @@ NLS_TARGET_AVX512 inline bool takePairs(UnicodeWalk& walk, __m512i units, std::s
         _mm512_maskz_permutexvar_epi32(1, _mm512_set1_epi32(15), first), 0xFFFE, places, second);
     const __m512i values = foldPairs(first, beforeFirst, static_cast<__mmask16>(lows));
     const __m512i values16 = foldPairs(second, beforeSecond, static_cast<__mmask16>(lows >> 16));
-    const std::size_t written = storeSpreads(walk, spreadValues<4>(values, static_cast<__mmask16>(wanted)),
-                                             spreadValues<4>(values16, static_cast<__mmask16>(wanted >> 16)));
+    const std::size_t written = storeValues<4>(walk, values, values16, wanted);
     walk.target.advance(written);
     walk.source.skip(written == 0 ? 0 : 2 * taken);
     return written != 0;
@@ -135,7 +141,7 @@ NLS_TARGET_AVX512 inline bool anyFrom(__m512i units, int first) {
     return _mm512_cmpge_epu16_mask(units, _mm512_set1_epi16(static_cast<int16_t>(first))) != 0;
 }
 
-NLS_TARGET_AVX512 inline bool takeAscii(UnicodeWalk& walk, __m512i units, std::size_t count) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takeAscii(UnicodeWalk& walk, __m512i units, std::size_t count) {
     if (count > walk.target.room()) return false;
     const __mmask32 stored = static_cast<__mmask32>(firstBits(count));
     _mm512_mask_cvtepi16_storeu_epi8(walk.target.place(), stored, units);
@@ -148,7 +154,7 @@ NLS_TARGET_AVX512 inline bool takeAscii(UnicodeWalk& walk, __m512i units, std::s
 
 constexpr std::size_t kValues = 16;
 
-NLS_TARGET_AVX512 inline bool takeValues(UnicodeWalk& walk, __m512i values, std::size_t count) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takeValues(UnicodeWalk& walk, __m512i values, std::size_t count) {
     const __mmask16 wanted = static_cast<__mmask16>(firstBits(count));
     const __m512i beyondStart = _mm512_sub_epi32(values, _mm512_set1_epi32(0xD800));
     const __mmask16 surrogates = _mm512_cmplt_epu32_mask(beyondStart, _mm512_set1_epi32(0x800));
@@ -161,7 +167,8 @@ NLS_TARGET_AVX512 inline bool takeValues(UnicodeWalk& walk, __m512i values, std:
     return true;
 }
 
-NLS_TARGET_AVX512 inline bool takeAsciiValues(UnicodeWalk& walk, __m512i values, std::size_t count) {
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takeAsciiValues(UnicodeWalk& walk, __m512i values,
+                                                                     std::size_t count) {
     if (count > walk.target.room()) return false;
     _mm512_mask_cvtepi32_storeu_epi8(walk.target.place(), static_cast<__mmask16>(firstBits(count)), values);
     walk.source.skip(4 * count);
@@ -171,7 +178,8 @@ NLS_TARGET_AVX512 inline bool takeAsciiValues(UnicodeWalk& walk, __m512i values,
 
 }  // namespace
 
-NLS_TARGET_AVX512 UnicodeWalk utf16ToUtf8Avx512(UnicodeWalk walk) {
+NLS_TARGET_AVX512 WideTaken utf16ToUtf8Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     const bool swap = walk.order.swapSource;
     bool going = true;
     while (going && !walk.source.atEnd()) {
@@ -188,10 +196,11 @@ NLS_TARGET_AVX512 UnicodeWalk utf16ToUtf8Avx512(UnicodeWalk walk) {
             going = takePairs(walk, units, count);
         }
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
-NLS_TARGET_AVX512 UnicodeWalk ucs4ToUtf8Avx512(UnicodeWalk walk) {
+NLS_TARGET_AVX512 WideTaken ucs4ToUtf8Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     const bool swap = walk.order.swapSource;
     bool going = true;
     while (going && !walk.source.atEnd()) {
@@ -201,7 +210,7 @@ NLS_TARGET_AVX512 UnicodeWalk ucs4ToUtf8Avx512(UnicodeWalk walk) {
         const bool ascii = _mm512_cmpge_epu32_mask(values, _mm512_set1_epi32(0x80)) == 0;
         going = ascii ? takeAsciiValues(walk, values, count) : takeValues(walk, values, count);
     }
-    return walk;
+    return takenBy(walk, source);
 }
 
 }  // namespace nls

@@ -2,8 +2,6 @@
 
 #include <cpuid.h>
 
-#include "core/base/process_state.hpp"
-
 namespace nls {
 
 namespace {
@@ -45,9 +43,7 @@ CpuLevel askProcessor() {
 
 }  // namespace
 
-CpuLevel cpuLevel() {
-    const int32_t known = __atomic_load_n(&processState.cpuLevel, __ATOMIC_RELAXED);
-    if (known != 0) return CpuLevel{known};
+CpuLevel askCpuLevel() {
     const CpuLevel level = askProcessor();
     __atomic_store_n(&processState.cpuLevel, static_cast<int32_t>(level), __ATOMIC_RELAXED);
     return level;

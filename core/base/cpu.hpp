@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+#include "core/base/process_state.hpp"
+
 namespace nls {
 
 enum class CpuLevel : int32_t {
@@ -20,8 +22,13 @@ enum class CpuLevel : int32_t {
 #define NLS_TARGET_AVX512 \
     __attribute__((target("avx2,bmi,bmi2,popcnt,lzcnt,avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi,avx512vbmi2")))
 
+CpuLevel askCpuLevel();
+
 // The first call asks the processor; the answer is the same from every thread, so no lock is needed.
-CpuLevel cpuLevel();
+inline CpuLevel cpuLevel() {
+    const int32_t known = __atomic_load_n(&processState.cpuLevel, __ATOMIC_RELAXED);
+    return known != 0 ? CpuLevel{known} : askCpuLevel();
+}
 
 // For tests and benchmarks: holds the level down to `level`, so that each path can be driven on one machine.
 void limitCpuLevel(CpuLevel level);
