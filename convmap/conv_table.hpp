@@ -10,7 +10,7 @@
 //   word | 256 bytes          type 1
 //   word                      types 3, 4, 21 to 28
 //
-// Tested by tests/convmap/conv_table_test.cpp.
+// Tested by tests/convmap/conv_table_load_test.cpp and tests/conversion/engine_test.cpp.
 #pragma once
 
 #include <cstdint>

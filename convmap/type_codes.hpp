@@ -8,7 +8,7 @@
 //   0x200  the target's units are swapped      0x400  the target's units are in the host's order
 //
 // On a little-endian host the swapped order is the big-endian one. No other code has a meaning.
-// Tested by tests/convmap/type_codes_test.cpp.
+// Tested by tests/convmap/conv_table_load_test.cpp.
 #pragma once
 
 #include <array>
