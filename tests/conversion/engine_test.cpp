@@ -6,6 +6,7 @@
 
 #include "nls/convert.h"
 #include "nls/status.h"
+#include "tests/support/dbcs_pack.hpp"
 #include "tests/support/made_tables.hpp"
 
 namespace {
@@ -279,6 +280,43 @@ TEST(Engine, UnitsGoThroughWithTheirOrder) {
         EXPECT_EQ(run(MadeTable{row.word}, row.source, static_cast<int32_t>(row.want.size())),
                   (Outcome{0, static_cast<uint32_t>(row.want.size()), row.want}))
             << row.word;
+}
+
+// Shift-JIS with Unicode and with EUC: 日 is 93FA there, C6FC in EUC, U+65E5.
+TEST(Engine, MultiByteCharsets) {
+    const auto packed = packDbcs(nls::test::dbcsRecipe("SHIFT-JIS"));
+    const nls::DbcsTable& maps = packed->table();
+    const MadeTable toUtf8 = MadeTable::of(17, maps), fromUtf8 = MadeTable::of(18, maps), euc{3}, back{4};
+    const MadeTable toUtf16 = MadeTable::of(29, toUtf8.get()), toSwapped = MadeTable::of(0x21D, toUtf8.get());
+    const MadeTable fromUtf16 = MadeTable::of(30, fromUtf8.get()), fromSwapped = MadeTable::of(0x09E, fromUtf8.get());
+    const struct {
+        const char* why;
+        const nlsConvTable* table;
+        std::string source;
+        bool check;
+        Outcome want;
+    } rows[] = {
+        {"to UTF-8", toUtf8, "\x93\xFA", false, {0, 3, "\xE6\x97\xA5xxx"}},
+        {"any output is a change", toUtf8, "a", true, {-2, 1, "axxxxx"}},
+        {"a substitute too", toUtf8, "\xFC\xFC", true, {-2, 3, "\xEF\xBF\xBDxxx"}},
+        {"a substitute", toUtf8, "\xFC\xFC", false, {-3, 3, "\xEF\xBF\xBDxxx"}},
+        {"full: not counted", toUtf8, "\x93\xFA\x93\xFA\x93\xFA", true, {2, 0, "\xE6\x97\xA5\xE6\x97\xA5"}},
+        {"from UTF-8", fromUtf8, "\xE6\x97\xA5", false, {0, 2, "\x93\xFAxxxx"}},
+        {"from UTF-8, a change", fromUtf8, "a", true, {-2, 1, "axxxxx"}},
+        {"starts inside a character", fromUtf8, "\xA5", false, {16, kUnset, "xxxxxx"}},
+        {"cut off", fromUtf8, "a\xE6\x97", true, {16, 1, "axxxxx"}},
+        {"to UTF-16", toUtf16, "a\x93\xFA", false, {0, 4, "a\0\xE5\x65xx"s}},
+        {"to swapped UTF-16", toSwapped, "a\x93\xFA", true, {-2, 4, "\0a\x65\xE5xx"s}},
+        {"from UTF-16, the odd byte dropped", fromUtf16, "a\0\xE5\x65\x41"s, false, {0, 3, "a\x93\xFAxxx"}},
+        {"half a unit is no text", fromUtf16, "a", true, {0, 0, "xxxxxx"}},
+        {"from swapped UTF-16", fromSwapped, "\x65\xE5", true, {-2, 2, "\x93\xFAxxxx"}},
+        {"to EUC", euc, "a\x93\xFA", false, {0, 3, "a\xC6\xFCxxx"}},
+        {"to EUC, changed", euc, "a\x93\xFA", true, {-2, 3, "a\xC6\xFCxxx"}},
+        {"to EUC, the same", euc, "abc", true, {0, 3, "abcxxx"}},
+        {"from EUC", back, "\xC6\xFC", true, {-2, 2, "\x93\xFAxxxx"}},
+        {"EUC, cut off", back, "a\xC6", true, {16, 1, "axxxxx"}},
+    };
+    for (const auto& row : rows) EXPECT_EQ(run(row.table, row.source, 6, row.check), row.want) << row.why;
 }
 
 TEST(Engine, WaitingTypesAnswerThatNoConverterIsThere) {
