@@ -28,6 +28,12 @@ NLS_TARGET_AVX512 inline __m512i permuteDwords(__m512i from, __m512i places) {
     return _mm512_maskz_permutexvar_epi32(0xFFFF, places, from);
 }
 
+// The unpacking instructions interleave in each quarter of a register on its own. Before they do, this deals 64 bytes
+// out to the quarters: eight bytes to each, and then eight again.
+NLS_TARGET_AVX512 inline __m512i dealOutQwords(__m512i bytes) {
+    return permuteQwords(bytes, _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0));
+}
+
 NLS_TARGET_AVX512 inline __m256i lowHalf(__m512i v) {
     return __builtin_shufflevector(v, v, 0, 1, 2, 3);
 }

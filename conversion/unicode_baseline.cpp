@@ -129,8 +129,7 @@ WideTaken takeBlocks(ByteView source, ByteSpan target, ByteOrder order) {
         place += kUnits * kFrom;
         out += kUnits * kTo;
     }
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(out - walk.target.place()));
+    walk.moveTo(place, out);
     return takenBy(walk, source);
 }
 

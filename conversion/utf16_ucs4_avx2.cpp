@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "conversion/avx2_basics.hpp"
+#include "conversion/text_blocks.hpp"
 #include "conversion/unicode_wide.hpp"
 
 namespace nls {
@@ -56,12 +57,11 @@ NLS_TARGET_AVX2 inline unsigned char* storeValues(unsigned char* target, __m256i
         store32(target, order.swapTarget ? swapDwords(first) : first);
         store32(target + 32, order.swapTarget ? swapDwords(second) : second);
     }
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
+    walk.moveTo(place, target);
 }
 
-// Any block, the last one too. False, and nothing taken, if it doesn't fit.
-[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool foldUnits(UnicodeWalk& walk) {
+// Any block, the last one too, and after some without pairs the next such. False, and nothing taken, if it doesn't fit.
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool foldUnits(UnicodeWalk& walk, PlainBlocks& plainBlocks) {
     const std::size_t left = walk.source.left() / 2, count = std::min(left, kUnits);
     const __m256i loaded = loadUpTo32(walk.source.place(), 2 * count);
     const __m256i units = walk.order.swapSource ? swapWords(loaded) : loaded;
@@ -84,8 +84,8 @@ NLS_TARGET_AVX2 inline unsigned char* storeValues(unsigned char* target, __m256i
     alignas(32) unsigned char buffer[kWideRoom];
     storeValues(direct ? walk.target.place() : buffer, low, high, walk.order.swapTarget, wanted);
     if (!direct) copySmall(walk.target.place(), buffer, written);
-    walk.source.skip(2 * taken);
-    walk.target.advance(written);
+    walk.move(2 * taken, written);
+    if (plainBlocks.count(pairs == 0)) widenUnits(walk);
     return true;
 }
 
@@ -132,13 +132,12 @@ NLS_TARGET_AVX2 inline __m256i loadValues(const unsigned char* place, std::size_
         const __m256i units = _mm256_permute4x64_epi64(_mm256_packus_epi32(first, second), 0xD8);
         store32(target, order.swapTarget ? swapWords(units) : units);
     }
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
+    walk.moveTo(place, target);
 }
 
-// Any block, the last one too: its missing values make one unit each behind the rest. False, and nothing taken, if it
+// Any block, the last one too, and after some without pairs the next such. Its missing values make one unit each behind the rest. False, and nothing taken, if it
 // doesn't fit.
-[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool splitValues(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool splitValues(UnicodeWalk& walk, PlainBlocks& plainBlocks) {
     const std::size_t size = std::min(walk.source.left(), 4 * kUnits), firstSize = std::min<std::size_t>(size, 32);
     const bool swap = walk.order.swapSource;
     const __m256i first = replaceBeyondLast(loadValues(walk.source.place(), firstSize, swap));
@@ -151,8 +150,8 @@ NLS_TARGET_AVX2 inline __m256i loadValues(const unsigned char* place, std::size_
     const std::size_t written = static_cast<std::size_t>(end - target) - 2 * (kUnits - size / 4);
     if (written > walk.target.room()) return false;
     if (!direct) copySmall(walk.target.place(), buffer, written);
-    walk.source.skip(size);
-    walk.target.advance(written);
+    walk.move(size, written);
+    if (plainBlocks.count(written == size / 2)) narrowValues(walk);
     return true;
 }
 
@@ -160,20 +159,20 @@ NLS_TARGET_AVX2 inline __m256i loadValues(const unsigned char* place, std::size_
 
 NLS_TARGET_AVX2 WideTaken utf16ToUcs4Avx2(ByteView source, ByteSpan target, ByteOrder order) {
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
+    PlainBlocks plainBlocks;
     bool going = true;
     while (going && !walk.source.atEnd()) {
-        widenUnits(walk);
-        going = walk.source.atEnd() || foldUnits(walk);
+        going = foldUnits(walk, plainBlocks);
     }
     return takenBy(walk, source);
 }
 
 NLS_TARGET_AVX2 WideTaken ucs4ToUtf16Avx2(ByteView source, ByteSpan target, ByteOrder order) {
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
+    PlainBlocks plainBlocks;
     bool going = true;
     while (going && !walk.source.atEnd()) {
-        narrowValues(walk);
-        going = walk.source.atEnd() || splitValues(walk);
+        going = splitValues(walk, plainBlocks);
     }
     return takenBy(walk, source);
 }

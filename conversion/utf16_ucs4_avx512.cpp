@@ -1,49 +1,108 @@
-// Between UTF-16 and UCS4, sixteen characters or units at a time. Without surrogates each unit is widened or narrowed;
-// pairs are folded in the place of the high surrogate, or split over the halves of a double word, and the places left
-// over are squeezed out.
+// Between UTF-16 and UCS4, 64 bytes of source at a time. Without surrogates each unit is widened or narrowed; pairs are
+// folded in the place of the low surrogate, or split over the halves of a double word, and the places left over are
+// squeezed out.
 // Tested by tests/conversion/unicode_transforms_test.cpp.
 #include <immintrin.h>
 
 #include "conversion/avx512_basics.hpp"
+#include "conversion/text_blocks.hpp"
 #include "conversion/unicode_wide.hpp"
 
 namespace nls {
 
 namespace {
 
-constexpr std::size_t kUnits = 16;
+// --- UTF-16 to UCS4
 
-NLS_TARGET_AVX512 inline __mmask16 valuesBetween(__m512i values, int first, int count) {
-    return _mm512_cmplt_epu32_mask(_mm512_sub_epi32(values, _mm512_set1_epi32(first)), _mm512_set1_epi32(count));
+constexpr std::size_t kUnits = 32;
+
+NLS_TARGET_AVX512 inline __mmask32 unitsOf(__m512i units, int kind) {
+    const __m512i field = _mm512_and_si512(units, _mm512_set1_epi16(static_cast<int16_t>(0xFC00)));
+    return _mm512_cmpeq_epi16_mask(field, _mm512_set1_epi16(static_cast<int16_t>(kind)));
 }
 
-// Up to sixteen units of 16 bits, widened; zero behind `count`.
-NLS_TARGET_AVX512 inline __m512i loadUnits(const unsigned char* place, std::size_t count, bool swap) {
-    const __m512i words = _mm512_maskz_loadu_epi16(static_cast<__mmask32>(firstBits(count)), place);
-    const __m512i units = swap ? swapUnits<2>(words) : words;
-    return _mm512_maskz_cvtepu16_epi32(0xFFFF, lowHalf(units));
+NLS_TARGET_AVX512 inline __m512i loadUnits(const unsigned char* place, uint64_t wanted, bool swap) {
+    const __m512i units = _mm512_maskz_loadu_epi16(static_cast<__mmask32>(wanted), place);
+    return swap ? swapUnits<2>(units) : units;
 }
 
-// The units that open a pair, among those in front of the last.
-NLS_TARGET_AVX512 inline __mmask16 pairsOf(__m512i units) {
-    const uint32_t highs = valuesBetween(units, 0xD800, 0x400), lows = valuesBetween(units, 0xDC00, 0x400);
-    return static_cast<__mmask16>(highs & (lows >> 1));
+// The low and high halves of the values, in the place of each unit; of a pair, in that of the low surrogate.
+struct Halves {
+    __m512i low, high;
+};
+
+// 0x10000 plus ten bits of each surrogate. `before`: the units one place in front.
+NLS_TARGET_AVX512 inline Halves foldPairs(__m512i units, __m512i before, __mmask32 pairs) {
+    const __m512i tenBits = _mm512_set1_epi16(0x3FF);
+    const __m512i both = _mm512_ternarylogic_epi32(tenBits, units, _mm512_slli_epi16(before, 10), 0xCA);
+    const __m512i fourBits = _mm512_and_si512(_mm512_srli_epi16(before, 6), _mm512_set1_epi16(0x0F));
+    return {_mm512_mask_mov_epi16(units, pairs, both), _mm512_maskz_add_epi16(pairs, fourBits, _mm512_set1_epi16(1))};
 }
 
-NLS_TARGET_AVX512 inline __m512i foldPairs(__m512i units, __mmask16 pairs) {
-    constexpr int32_t kFold = 0x10000 - (0xD800 << 10) - 0xDC00;
-    const __m512i places = _mm512_set_epi32(15, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1);
-    const __m512i next = _mm512_add_epi32(permuteDwords(units, places), _mm512_set1_epi32(kFold));
-    return _mm512_mask_add_epi32(units, pairs, _mm512_maskz_slli_epi32(0xFFFF, units, 10), next);
+NLS_TARGET_AVX512 inline void storeValues(unsigned char* target, const Halves& values, __mmask32 wanted, bool swap) {
+    const std::size_t count = static_cast<std::size_t>(_mm_popcnt_u32(wanted));
+    const __m512i low = dealOutQwords(_mm512_maskz_compress_epi16(wanted, values.low));
+    const __m512i high = dealOutQwords(_mm512_maskz_compress_epi16(wanted, values.high));
+    const __m512i first = _mm512_unpacklo_epi16(low, high), second = _mm512_unpackhi_epi16(low, high);
+    storeDwords(target, swap ? swapUnits<4>(first) : first, count);
+    if (count > 16) storeDwords(target + 64, swap ? swapUnits<4>(second) : second, count - 16);
 }
+
+// Whole runs of units without surrogates, thirty-two at a time.
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline void widenUnits(UnicodeWalk& walk) {
+    const ByteOrder order = walk.order;
+    const unsigned char* place = walk.source.place();
+    unsigned char* target = walk.target.place();
+    const __m512i field = _mm512_set1_epi16(static_cast<int16_t>(order.swapSource ? 0x00F8 : 0xF800));
+    const __m512i surrogate = _mm512_set1_epi16(static_cast<int16_t>(order.swapSource ? 0x00D8 : 0xD800));
+    for (std::size_t runs = std::min(walk.source.left() / 64, walk.target.room() / 128); runs != 0; --runs) {
+        const __m512i words = _mm512_loadu_si512(place);
+        if (_mm512_cmpeq_epi16_mask(_mm512_and_si512(words, field), surrogate) != 0) break;
+        const __m512i units = order.swapSource ? swapUnits<2>(words) : words;
+        const __m512i first = _mm512_maskz_cvtepu16_epi32(0xFFFF, lowHalf(units));
+        const __m512i second = _mm512_maskz_cvtepu16_epi32(0xFFFF, highHalf(units));
+        _mm512_storeu_si512(target, order.swapTarget ? swapUnits<4>(first) : first);
+        _mm512_storeu_si512(target + 64, order.swapTarget ? swapUnits<4>(second) : second);
+        place += 64;
+        target += 128;
+    }
+    walk.moveTo(place, target);
+}
+
+// A block of up to thirty-two units. False, and nothing taken, if it doesn't fit.
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool foldUnits(UnicodeWalk& walk, PlainBlocks& plainBlocks) {
+    const ByteOrder order = walk.order;
+    const unsigned char* const place = walk.source.place();
+    const std::size_t left = walk.source.left() / 2, count = std::min(left, kUnits);
+    const uint64_t present = firstBits(count);
+    const __m512i units = loadUnits(place, present, order.swapSource);
+    const uint64_t highs = unitsOf(units, 0xD800), lows = unitsOf(units, 0xDC00);
+    const uint64_t pairs = lows & (highs << 1);
+    // A high surrogate in the last place waits for the next block, unless the text ends with it.
+    const bool waits = left > count && endsInHighSurrogate(place, 2 * kUnits, order.swapSource);
+    const std::size_t taken = count - (waits ? 1 : 0);
+    const uint64_t wanted = firstBits(taken) & ~(pairs >> 1);
+    const std::size_t written = 4 * static_cast<std::size_t>(_mm_popcnt_u64(wanted));
+    if (written > walk.target.room()) return false;
+    const __m512i before = loadUnits(place - 2, pairs, order.swapSource);
+    storeValues(walk.target.place(), foldPairs(units, before, static_cast<__mmask32>(pairs)),
+                static_cast<__mmask32>(wanted), order.swapTarget);
+    walk.move(2 * taken, written);
+    if (plainBlocks.count(pairs == 0)) widenUnits(walk);
+    return true;
+}
+
+// --- UCS4 to UTF-16
+
+constexpr std::size_t kValues = 16;
 
 // Double words with one unit in the low half, or the two of a pair. `kept`: the halves that count.
-struct Halves {
+struct SplitPairs {
     __m512i units;
     __mmask32 kept;
 };
 
-NLS_TARGET_AVX512 inline Halves splitPairs(__m512i values, __mmask16 wanted) {
+NLS_TARGET_AVX512 inline SplitPairs splitPairs(__m512i values, __mmask16 wanted) {
     const __m512i last = _mm512_set1_epi32(0x10FFFF), replacement = _mm512_set1_epi32(0xFFFD);
     values = _mm512_mask_mov_epi32(values, _mm512_cmpgt_epu32_mask(values, last), replacement);
     const __mmask16 pairs = _mm512_cmpgt_epu32_mask(values, _mm512_set1_epi32(0xFFFF));
@@ -55,45 +114,64 @@ NLS_TARGET_AVX512 inline Halves splitPairs(__m512i values, __mmask16 wanted) {
     return {_mm512_mask_mov_epi32(values, pairs, both), kept};
 }
 
+// The words at even places of two registers, and those at odd ones.
+NLS_TARGET_AVX512 inline __m512i evenWords() {
+    alignas(64) static constexpr std::array<uint16_t, 32> kPlaces = [] {
+        std::array<uint16_t, 32> places{};
+        for (unsigned i = 0; i < 32; ++i) places[i] = static_cast<uint16_t>(2 * i);
+        return places;
+    }();
+    return _mm512_load_si512(kPlaces.data());
+}
+NLS_TARGET_AVX512 inline __m512i oddWords() {
+    return _mm512_or_si512(evenWords(), _mm512_set1_epi16(1));
+}
+
+// Whole runs of values up to U+FFFF, thirty-two at a time.
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline void narrowValues(UnicodeWalk& walk) {
+    const ByteOrder order = walk.order;
+    const unsigned char* place = walk.source.place();
+    unsigned char* target = walk.target.place();
+    const __m512i beyond = _mm512_set1_epi32(static_cast<int32_t>(order.swapSource ? 0x0000FFFF : 0xFFFF0000));
+    for (std::size_t runs = std::min(walk.source.left() / 128, walk.target.room() / 64); runs != 0; --runs) {
+        const __m512i first = _mm512_loadu_si512(place), second = _mm512_loadu_si512(place + 64);
+        if (_mm512_test_epi32_mask(_mm512_or_si512(first, second), beyond) != 0) break;
+        // In swapped values the unit is the high half, and swapped itself.
+        const __m512i places = order.swapSource ? oddWords() : evenWords();
+        const __m512i units = _mm512_permutex2var_epi16(first, places, second);
+        _mm512_storeu_si512(target, order.swapSource != order.swapTarget ? swapUnits<2>(units) : units);
+        place += 128;
+        target += 64;
+    }
+    walk.moveTo(place, target);
+}
+
 }  // namespace
 
 NLS_TARGET_AVX512 WideTaken utf16ToUcs4Avx512(ByteView source, ByteSpan target, ByteOrder order) {
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
-    while (!walk.source.atEnd()) {
-        const std::size_t left = walk.source.left() / 2, count = std::min(left, kUnits);
-        __m512i units = loadUnits(walk.source.place(), count, order.swapSource);
-        std::size_t taken = count, written = count;
-        if (valuesBetween(units, 0xD800, 0x800) != 0) {
-            const __mmask16 pairs = pairsOf(units);
-            // A high surrogate in the last place waits for the next block, unless the text ends with it.
-            if (left > count && valuesBetween(units, 0xD800, 0x400) >> (kUnits - 1) != 0) --taken;
-            const uint64_t wanted = firstBits(taken) & ~(uint64_t{pairs} << 1);
-            units = _mm512_maskz_compress_epi32(static_cast<__mmask16>(wanted), foldPairs(units, pairs));
-            written = static_cast<std::size_t>(_mm_popcnt_u64(wanted));
-        }
-        if (4 * written > walk.target.room()) break;
-        storeDwords(walk.target.place(), order.swapTarget ? swapUnits<4>(units) : units, written);
-        walk.source.skip(2 * taken);
-        walk.target.advance(4 * written);
-    }
+    PlainBlocks plainBlocks;
+    bool going = true;
+    while (going && !walk.source.atEnd()) going = foldUnits(walk, plainBlocks);
     return takenBy(walk, source);
 }
 
 NLS_TARGET_AVX512 WideTaken ucs4ToUtf16Avx512(ByteView source, ByteSpan target, ByteOrder order) {
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
+    PlainBlocks plainBlocks;
     while (!walk.source.atEnd()) {
-        const std::size_t count = std::min(walk.source.left() / 4, kUnits);
+        const std::size_t count = std::min(walk.source.left() / 4, kValues);
         const __mmask16 wanted = static_cast<__mmask16>(firstBits(count));
         __m512i values = _mm512_maskz_loadu_epi32(wanted, walk.source.place());
         if (order.swapSource) values = swapUnits<4>(values);
-        const Halves halves = splitPairs(values, wanted);
+        const SplitPairs halves = splitPairs(values, wanted);
         const std::size_t written = static_cast<std::size_t>(_mm_popcnt_u32(halves.kept));
         if (2 * written > walk.target.room()) break;
         const __m512i units = _mm512_maskz_compress_epi16(halves.kept, halves.units);
         const __m512i ordered = order.swapTarget ? swapUnits<2>(units) : units;
         _mm512_mask_storeu_epi16(walk.target.place(), static_cast<__mmask32>(firstBits(written)), ordered);
-        walk.source.skip(4 * count);
-        walk.target.advance(2 * written);
+        walk.move(4 * count, 2 * written);
+        if (plainBlocks.count(written == count)) narrowValues(walk);
     }
     return takenBy(walk, source);
 }

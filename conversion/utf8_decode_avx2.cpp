@@ -18,8 +18,8 @@
 #include <algorithm>
 
 #include "conversion/avx2_basics.hpp"
+#include "conversion/text_blocks.hpp"
 #include "conversion/unicode_wide.hpp"
-#include "conversion/utf8_block.hpp"
 #include "conversion/utf_codec.hpp"
 
 namespace nls {
@@ -180,8 +180,7 @@ template <int kUnit>
     alignas(32) unsigned char buffer[kBlockRoom<kUnit>];
     storePlanes<kUnit>(direct ? walk.target.place() : buffer, out, planes.wanted);
     if (!direct) copySmall(walk.target.place(), buffer, written);
-    walk.source.skip(taken);
-    walk.target.advance(written);
+    walk.move(taken, written);
     return true;
 }
 
@@ -254,8 +253,8 @@ template <int kUnit, bool kSwap>
     }
     if (place == walk.source.place()) return;
     const Surplus surplus = surplusOf<kUnit>(place);
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()) - surplus.bytes);
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()) - surplus.written);
+    walk.move(static_cast<std::size_t>(place - walk.source.place()) - surplus.bytes,
+              static_cast<std::size_t>(target - walk.target.place()) - surplus.written);
 }
 
 template <int kUnit>

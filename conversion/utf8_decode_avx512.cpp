@@ -7,8 +7,8 @@
 #include <immintrin.h>
 
 #include "conversion/avx512_basics.hpp"
+#include "conversion/text_blocks.hpp"
 #include "conversion/unicode_wide.hpp"
-#include "conversion/utf8_block.hpp"
 
 namespace nls {
 
@@ -122,7 +122,7 @@ NLS_TARGET_AVX512 inline void storeWords(unsigned char* target, __m512i words, s
 // bytes to each and the next eight to each again, or four times four.
 template <int kUnit>
 NLS_TARGET_AVX512 inline __m512i dealOut(__m512i plane) {
-    if constexpr (kUnit == 2) return permuteQwords(plane, _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0));
+    if constexpr (kUnit == 2) return dealOutQwords(plane);
     return permuteDwords(plane, _mm512_set_epi32(15, 11, 7, 3, 14, 10, 6, 2, 13, 9, 5, 1, 12, 8, 4, 0));
 }
 
@@ -180,8 +180,7 @@ template <int kUnit>
             _mm512_storeu_si512(target + part * kBlock, swap ? swapUnits<kUnit>(units) : units);
         }
     }
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
+    walk.moveTo(place, target);
 }
 
 // The bytes written, or kOdd for a block that the exact walk has to take. REQUIRES: block.regular.
@@ -210,8 +209,7 @@ template <int kUnit>
     const std::size_t written =
         storeBlock<kUnit>(block, walk.target.place(), walk.target.room(), walk.order.swapTarget);
     if (written == kOdd) return false;
-    walk.source.skip(kBlock - begun);
-    walk.target.advance(written);
+    walk.move(kBlock - begun, written);
     return true;
 }
 
@@ -258,8 +256,7 @@ template <int kUnit>
     }
     const WideTaken last = decodeShort<kUnit>({walk.source.place(), walk.source.left()},
                                               {walk.target.place(), walk.target.room()}, order.swapTarget);
-    walk.source.skip(last.read);
-    walk.target.advance(last.written);
+    walk.move(last.read, last.written);
     return takenBy(walk, source);
 }
 

@@ -147,53 +147,63 @@ NLS_TARGET_AVX2 inline Stored storeUnits(unsigned char* target, __m256i units, s
     return stored;
 }
 
-NLS_TARGET_AVX2 inline __m128i narrowWords(__m256i units) {
-    return _mm_packus_epi16(lowHalf(units), highHalf(units));
+// Thirty-two units of ASCII as bytes.
+NLS_TARGET_AVX2 inline __m256i narrowWords(__m256i first, __m256i second) {
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(first, second), 0xD8);  // from lanes 0, 2, 1, 3
 }
 
-// Whole blocks of ASCII as far as they go; they make sixteen bytes each.
 template <bool kSwap>
-[[gnu::always_inline]] NLS_TARGET_AVX2 inline void takeAscii(UnicodeWalk& walk) {
-    std::size_t blocks = std::min(walk.source.left() / (2 * kUnits), walk.target.room() / kUnits);
+NLS_TARGET_AVX2 inline __m256i loadUnits(const unsigned char* place) {
+    return kSwap ? swapWords(load32(place)) : load32(place);
+}
+
+// Blocks with enough source and room behind them. False if one is odd. Text that is mostly ASCII stays with the block
+// that takes more than ASCII too: only two blocks of pure ASCII in a row are worth a step of their own.
+template <bool kSwap>
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool takeDirect(UnicodeWalk& walk) {
+    if (walk.source.left() < 2 * kUnitsForDirect || walk.target.room() < kRoomForDirect) return true;
     const unsigned char* place = walk.source.place();
     unsigned char* target = walk.target.place();
-    for (; blocks != 0; --blocks, place += 2 * kUnits, target += kUnits) {
-        const __m256i units = kSwap ? swapWords(load32(place)) : load32(place);
-        if (any(_mm256_and_si256(units, words(~0x7F)))) break;
-        store16(target, narrowWords(units));
+    const unsigned char* const lastPlace = place + walk.source.left() - 2 * kUnitsForDirect;
+    unsigned char* const lastTarget = target + walk.target.room() - kRoomForDirect;
+    std::size_t taken = kUnits;
+    while (taken != 0 && place <= lastPlace && target <= lastTarget) {
+        const __m256i units = loadUnits<kSwap>(place), next = loadUnits<kSwap>(place + 32);
+        if (!any(_mm256_and_si256(_mm256_or_si256(units, next), words(~0x7F)))) {
+            store32(target, narrowWords(units, next));
+            place += 64;
+            target += 32;
+            continue;
+        }
+        const Stored stored = storeUnits(target, units, kUnits);
+        taken = stored.taken;
+        place += 2 * taken;
+        target = stored.end;
     }
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
+    walk.moveTo(place, target);
+    return taken != 0;
 }
 
-// False, and nothing taken, if the block is odd or doesn't fit.
+// The last blocks, and those in front of a full target. False, and nothing taken, if the block is odd or doesn't fit.
 template <bool kSwap>
-[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool takeUnits(UnicodeWalk& walk) {
+[[gnu::always_inline]] NLS_TARGET_AVX2 inline bool takeBuffered(UnicodeWalk& walk) {
     const std::size_t count = std::min(walk.source.left() / 2, kUnits);
     const __m256i loaded = loadUpTo32(walk.source.place(), 2 * count);
-    const __m256i units = kSwap ? swapWords(loaded) : loaded;
-    const bool direct = walk.source.left() >= 2 * kUnitsForDirect && walk.target.room() >= kRoomForDirect;
     unsigned char buffer[kBlockRoom];
-    unsigned char* const target = direct ? walk.target.place() : buffer;
-    const Stored stored = storeUnits(target, units, count);
+    const Stored stored = storeUnits(buffer, kSwap ? swapWords(loaded) : loaded, count);
     if (stored.taken == 0) return false;
-    const std::size_t written = static_cast<std::size_t>(stored.end - target);
+    const std::size_t written = static_cast<std::size_t>(stored.end - buffer);
     if (written > walk.target.room()) return false;
-    if (!direct) copySmall(walk.target.place(), buffer, written);
-    walk.source.skip(2 * stored.taken);
-    walk.target.advance(written);
+    copySmall(walk.target.place(), buffer, written);
+    walk.move(2 * stored.taken, written);
     return true;
 }
 
 template <bool kSwap>
 NLS_TARGET_AVX2 inline WideTaken encodeUnits(ByteView source, ByteSpan target, ByteOrder order) {
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
-    constexpr uint64_t kBeyondAscii = kSwap ? 0x80FF80FF80FF80FF : 0xFF80FF80FF80FF80;
-    while (!walk.source.atEnd()) {
-        if (walk.source.left() >= 2 * kUnits && (loadWord<uint64_t>(walk.source.place()) & kBeyondAscii) == 0)
-            takeAscii<kSwap>(walk);
-        if (!walk.source.atEnd() && !takeUnits<kSwap>(walk)) break;
-    }
+    bool going = takeDirect<kSwap>(walk);
+    while (going && !walk.source.atEnd()) going = takeBuffered<kSwap>(walk);
     return takenBy(walk, source);
 }
 
@@ -258,12 +268,11 @@ template <bool kSwap>
     const std::size_t written = static_cast<std::size_t>(end - target) - (kUnits - size / 4);
     if (written > walk.target.room()) return false;
     if (!direct) copySmall(walk.target.place(), buffer, written);
-    walk.source.skip(size);
-    walk.target.advance(written);
+    walk.move(size, written);
     return true;
 }
 
-// As takeAscii of UTF-16, sixteen values a block.
+// Whole blocks of ASCII as far as they go; they make sixteen bytes each.
 template <bool kSwap>
 [[gnu::always_inline]] NLS_TARGET_AVX2 inline void takeAsciiValues(UnicodeWalk& walk) {
     std::size_t blocks = std::min(walk.source.left() / (4 * kUnits), walk.target.room() / kUnits);
@@ -274,10 +283,9 @@ template <bool kSwap>
         const __m256i first = kSwap ? swapDwords(raw) : raw, second = kSwap ? swapDwords(raw8) : raw8;
         if (any(_mm256_and_si256(_mm256_or_si256(first, second), dwords(~0x7FU)))) break;
         const __m256i units = _mm256_permute4x64_epi64(_mm256_packus_epi32(first, second), 0xD8);
-        store16(target, narrowWords(units));
+        store16(target, lowHalf(narrowWords(units, units)));
     }
-    walk.source.skip(static_cast<std::size_t>(place - walk.source.place()));
-    walk.target.advance(static_cast<std::size_t>(target - walk.target.place()));
+    walk.moveTo(place, target);
 }
 
 template <bool kSwap>

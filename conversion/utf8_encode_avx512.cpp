@@ -10,6 +10,7 @@
 #include <immintrin.h>
 
 #include "conversion/avx512_basics.hpp"
+#include "conversion/text_blocks.hpp"
 #include "conversion/unicode_wide.hpp"
 
 namespace nls {
@@ -121,7 +122,8 @@ NLS_TARGET_AVX512 inline __mmask32 unitsBetween(__m512i units, int first, int co
 // A high surrogate in the last place waits for the next block.
 [[gnu::always_inline]] NLS_TARGET_AVX512 inline bool takePairs(UnicodeWalk& walk, __m512i units, std::size_t count) {
     const uint64_t highs = unitsBetween(units, 0xD800, 0x400), lows = unitsBetween(units, 0xDC00, 0x400);
-    const std::size_t taken = count - (highs >> (count - 1) & 1);
+    const bool waits = endsInHighSurrogate(walk.source.place(), 2 * count, walk.order.swapSource);
+    const std::size_t taken = count - (waits ? 1 : 0);
     const uint64_t wanted = firstBits(taken) & ~highs;
     if (((highs << 1) & firstBits(count)) != lows || taken == 0) return false;
     const __m512i places = _mm512_set_epi32(14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0, 0);
@@ -145,9 +147,27 @@ NLS_TARGET_AVX512 inline bool anyFrom(__m512i units, int first) {
     if (count > walk.target.room()) return false;
     const __mmask32 stored = static_cast<__mmask32>(firstBits(count));
     _mm512_mask_cvtepi16_storeu_epi8(walk.target.place(), stored, units);
-    walk.source.skip(2 * count);
-    walk.target.advance(count);
+    walk.move(2 * count, count);
     return true;
+}
+
+// Whole runs of ASCII, sixty-four units at a time.
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline void takeAsciiRun(UnicodeWalk& walk) {
+    const bool swap = walk.order.swapSource;
+    const unsigned char* place = walk.source.place();
+    unsigned char* target = walk.target.place();
+    const __m512i beyond = _mm512_set1_epi16(static_cast<int16_t>(swap ? 0x80FF : 0xFF80));
+    for (std::size_t runs = std::min(walk.source.left() / 128, walk.target.room() / 64); runs != 0; --runs) {
+        const __m512i first = _mm512_loadu_si512(place), second = _mm512_loadu_si512(place + 64);
+        if (_mm512_test_epi16_mask(_mm512_or_si512(first, second), beyond) != 0) break;
+        const __m512i low = swap ? _mm512_srli_epi16(first, 8) : first,
+                      high = swap ? _mm512_srli_epi16(second, 8) : second;
+        const __m512i inOrder = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);  // packing takes its quarters in turns
+        _mm512_storeu_si512(target, permuteQwords(_mm512_packus_epi16(low, high), inOrder));
+        place += 128;
+        target += 64;
+    }
+    walk.moveTo(place, target);
 }
 
 // --- UCS4
@@ -171,8 +191,7 @@ constexpr std::size_t kValues = 16;
                                                                      std::size_t count) {
     if (count > walk.target.room()) return false;
     _mm512_mask_cvtepi32_storeu_epi8(walk.target.place(), static_cast<__mmask16>(firstBits(count)), values);
-    walk.source.skip(4 * count);
-    walk.target.advance(count);
+    walk.move(4 * count, count);
     return true;
 }
 
@@ -188,6 +207,7 @@ NLS_TARGET_AVX512 WideTaken utf16ToUtf8Avx512(ByteView source, ByteSpan target, 
         if (swap) units = swapUnits<2>(units);
         if (!anyFrom(units, 0x80)) {
             going = takeAscii(walk, units, count);
+            takeAsciiRun(walk);
         } else if (!anyFrom(units, 0x800)) {
             going = takeShort(walk, units, count);
         } else if (unitsBetween(units, 0xD800, 0x800) == 0) {
