@@ -66,9 +66,9 @@ CreatedLocale makeLocale(nlsHandle& handle, LocaleNames names) {
     auto* const locale = context.arena.make<nlsLocale>();
     if (locale == nullptr) return {NLS_NO_MEM, nullptr};
     if (const nlsStatus bad = fillLocale(context, *locale, names)) return {bad, nullptr};
+    locale->owner = &handle;
     linkObject(handle, locale->hdr);
     locale->hdr.typeTag = NLS_TAG_LOCALE;
-    locale->owner = &handle;
     return {NLS_OK, locale};
 }
 

@@ -78,8 +78,8 @@ NLS_API NLS_CHECKED nlsStatus readUCS2Data(nlsHandle* handle, const char* charse
 /* The tables of a multi-byte charset, both ways, built from its map records. `type` is 17, 81 or 89 where `from` is the
    charset, and 18 or 50 where `to` is it. `table` receives the table from `from` to `to`; the way back is installed in
    its entry. With a failure `table` is left alone or shows an unfinished table.
-   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no attribute table for the charset); NLS_NO_CONV_TABLE (no entry with data,
-   no entry for the way back, or one whose raw byte is none of the types above); NLS_READ_FAILED. */
+   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no attribute table for the charset); NLS_NO_CONV_TABLE (another `type`, no
+   entry with data, no entry for the way back, or one whose raw byte is none of the types above); NLS_READ_FAILED. */
 NLS_API NLS_CHECKED nlsStatus getUCS2Data(nlsHandle* handle, const char* from, const char* to, int64_t type,
                                           nlsConvTable** table);
 
@@ -87,7 +87,7 @@ NLS_API NLS_CHECKED nlsStatus getUCS2Data(nlsHandle* handle, const char* from, c
    address. `type` is 19 or 51. `table` receives the table from `from` to `to`; the way back is installed in its entry.
    With a failure `table` is left alone or shows an unfinished table.
    NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM (also: no entry for the way back, or one whose raw byte isn't 20); NLS_BAD_TABLE
-   (two byte values that can't be told apart on the way back). */
+   (another `type`, or two byte values that can't be told apart on the way back). */
 NLS_API NLS_CHECKED nlsStatus computeUtf8TableData(nlsHandle* handle, const char* from, const char* to, int64_t type,
                                                    const uint16_t* units, nlsConvTable** table);
 
