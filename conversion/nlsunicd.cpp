@@ -1,9 +1,8 @@
 // Door: the transforms between the forms of Unicode, their byte orders and their constants.
-#include <algorithm>
-
 #include "conversion/byte_order.hpp"
 #include "conversion/unicode_transforms.hpp"
 #include "conversion/utf_codec.hpp"
+#include "nls/status.h"
 #include "nls/transforms.h"
 
 const uint32_t kMaximumUCS2 = nls::kLastBmpValue;
@@ -38,9 +37,15 @@ std::span<Byte> between(Byte* start, Byte* end) {
     return start < end ? std::span<Byte>{start, end} : std::span<Byte>{};
 }
 
+// No place to start from, and yet an end.
+bool isHalfNull(const unsigned char* const* start, const unsigned char* end) {
+    return start == nullptr || (*start == nullptr && end != nullptr);
+}
+
 template <typename Room>
 nlsStatus transformBetween(Room room, const unsigned char** srcPos, const unsigned char* srcEnd, unsigned char** tgtPos,
                            unsigned char* tgtEnd, const nlsConvTable* table) {
+    if (isHalfNull(srcPos, srcEnd) || isHalfNull(tgtPos, tgtEnd)) return NLS_BAD_ARG;
     const nls::ByteOrder order = nls::byteOrderOf(nls::ConvTable{table});
     const nls::Transformed result = room(between(*srcPos, srcEnd), between(*tgtPos, tgtEnd), order);
     *srcPos += result.consumed;
@@ -52,8 +57,8 @@ nlsStatus transformBetween(Room room, const unsigned char** srcPos, const unsign
 
 void setSwap(const nlsConvTable* table, uint32_t* swapSource, uint32_t* swapTarget) {
     const nls::ByteOrder order = nls::byteOrderOf(nls::ConvTable{table});
-    *swapSource = order.swapSource ? nls::ConvTable::kSwapSource : 0;
-    *swapTarget = order.swapTarget ? nls::ConvTable::kSwapTarget : 0;
+    if (swapSource != nullptr) *swapSource = order.swapSource ? nls::ConvTable::kSwapSource : 0;
+    if (swapTarget != nullptr) *swapTarget = order.swapTarget ? nls::ConvTable::kSwapTarget : 0;
 }
 
 nlsStatus nlsConvertUTF16toUCS4(const unsigned char** srcPos, const unsigned char* srcEnd, unsigned char** tgtPos,

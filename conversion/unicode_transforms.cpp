@@ -17,20 +17,20 @@ bool stop(UnicodeWalk& walk, nlsStatus status) {
     return false;
 }
 
-bool stepUtf16ToUcs4(UnicodeWalk& walk) {
+inline bool stepUtf16ToUcs4(UnicodeWalk& walk) {
     const uint32_t value = readUtf16(walk.source, walk.order.swapSource);
     return putUcs4(walk.target, value, walk.order.swapTarget) || stop(walk, NLS_BUF_SMALL);
 }
 
 // Alone in looking for room before it reads: a unit that meets a full target stays unread.
-bool stepUcs4ToUtf16(UnicodeWalk& walk) {
+inline bool stepUcs4ToUtf16(UnicodeWalk& walk) {
     if (walk.target.room() < 2) return stop(walk, NLS_BUF_SMALL);
     const uint32_t value = loadUnit<uint32_t>(walk.source.place(), walk.order.swapSource);
     walk.source.skip(4);
     return putUtf16(walk.target, value, walk.order.swapTarget) || stop(walk, NLS_BUF_SMALL);
 }
 
-bool stepUtf8ToUcs4(UnicodeWalk& walk) {
+inline bool stepUtf8ToUcs4(UnicodeWalk& walk) {
     const DecodedUtf8 character = frontUtf8({walk.source.place(), walk.source.left()});
     if (character.length == 0) return stop(walk, NLS_BAD_ARG);
     walk.source.skip(character.length);
@@ -38,7 +38,7 @@ bool stepUtf8ToUcs4(UnicodeWalk& walk) {
     return putUcs4(walk.target, value, walk.order.swapTarget) || stop(walk, NLS_BUF_SMALL);
 }
 
-bool stepUtf8ToUcs2(UnicodeWalk& walk) {
+inline bool stepUtf8ToUcs2(UnicodeWalk& walk) {
     const DecodedUtf8 character = frontUtf8({walk.source.place(), walk.source.left()});
     if (character.length == 0) return stop(walk, NLS_BAD_ARG);
     walk.source.skip(character.length);
@@ -56,12 +56,12 @@ bool encodeCharacter(UnicodeWalk& walk, uint32_t value, nlsStatus loneSurrogate)
     return putUtf8(walk.target, value) || stop(walk, NLS_BUF_SMALL);
 }
 
-bool stepUcs4ToUtf8(UnicodeWalk& walk) {
+inline bool stepUcs4ToUtf8(UnicodeWalk& walk) {
     const uint32_t value = readUcs4Folding(walk.source, walk.order.swapSource);
     return encodeCharacter(walk, value, NLS_INVALID_STRING);
 }
 
-bool stepUcs2ToUtf8(UnicodeWalk& walk) {
+inline bool stepUcs2ToUtf8(UnicodeWalk& walk) {
     const uint32_t value = readUtf16(walk.source, walk.order.swapSource);
     return encodeCharacter(walk, value, NLS_BAD_ARG);
 }
@@ -75,10 +75,11 @@ ByteView wholeUnits(ByteView bytes, std::size_t unit) {
 using Step = bool (*)(UnicodeWalk&);
 using WideWalk = WideTaken (*)(ByteView source, ByteSpan target, ByteOrder order);
 
-// As many bytes as a wide block has, or as are left. False when the walk ends in them.
+// A few bytes, about what is odd in a block; more than is needed would be lost to the wide walk. False when the walk
+// ends in them.
 template <Step kStep>
 bool takeExactly(UnicodeWalk& walk) {
-    constexpr std::size_t kStretch = 64;
+    constexpr std::size_t kStretch = 16;
     UnicodeWalk here = walk;  // a copy of its own, which the bytes written can't alias
     const unsigned char* const until = here.source.place() + std::min(here.source.left(), kStretch);
     bool going = true;

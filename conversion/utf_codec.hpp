@@ -72,9 +72,13 @@ inline constexpr std::array<uint32_t, 6> kUtf8Offsets = {0, 0x3080, 0xE2080, 0x3
 inline constexpr std::array<uint8_t, 7> kUtf8FirstMarks = {0x00, 0x00, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC};
 
 // The value of a first byte and the `trails` bytes behind it. REQUIRES: trails is bytesFromUtf8 of the first byte, and
-// all those bytes may be read.
+// all those bytes may be read. The short forms stand for themselves: they are what text is made of.
 constexpr uint32_t decodeUtf8(const unsigned char* bytes, unsigned trails) {
-    uint32_t value = bytes[0];
+    const uint32_t first = bytes[0];
+    if (trails == 0) return first;
+    if (trails == 1) return (first << 6) + bytes[1] - kUtf8Offsets[1];
+    if (trails == 2) return (first << 12) + (uint32_t{bytes[1]} << 6) + bytes[2] - kUtf8Offsets[2];
+    uint32_t value = first;
     for (unsigned i = 1; i <= trails; ++i) value = (value << 6) + bytes[i];
     return value - kUtf8Offsets[trails];
 }
@@ -90,6 +94,7 @@ constexpr DecodedUtf8 decodeUtf8(const unsigned char* bytes, std::size_t left, u
     return trails < left ? DecodedUtf8{decodeUtf8(bytes, trails), trails + 1} : DecodedUtf8{0, 0};
 }
 constexpr DecodedUtf8 frontUtf8(ByteView bytes) {
+    if (bytes[0] < 0x80) return {bytes[0], 1};
     return decodeUtf8(bytes.data(), bytes.size(), bytesFromUtf8(bytes[0]));
 }
 
@@ -100,6 +105,10 @@ constexpr unsigned utf8Length(uint32_t value) {
 
 // Writes `length` bytes. REQUIRES: length is utf8Length(value), and there is room for it.
 constexpr void encodeUtf8(uint32_t value, unsigned length, unsigned char* out) {
+    if (length == 1) {
+        out[0] = static_cast<unsigned char>(value);
+        return;
+    }
     for (unsigned i = length - 1; i > 0; --i) {
         out[i] = static_cast<unsigned char>((value & 0x3F) | 0x80);
         value >>= 6;

@@ -486,6 +486,20 @@ TEST(UnicodeDoors, PositionsBehindTheirEndsAreEmpty) {
     EXPECT_EQ(tgtPos, target + 4);
 }
 
+TEST(UnicodeDoors, NullPlacesAreRefused) {
+    const unsigned char source[1] = {'a'};
+    unsigned char target[4] = {};
+    const unsigned char *srcPos = source, *noSource = nullptr;
+    unsigned char *tgtPos = target, *noTarget = nullptr;
+    EXPECT_EQ(nlsConvertUTF8toUCS2(nullptr, source + 1, &tgtPos, target + 4, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsConvertUTF8toUCS2(&srcPos, source + 1, nullptr, target + 4, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsConvertUTF8toUCS2(&noSource, source + 1, &tgtPos, target + 4, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsConvertUTF8toUCS2(&srcPos, source + 1, &noTarget, target + 4, nullptr), NLS_BAD_ARG);
+    EXPECT_EQ(nlsConvertUTF8toUCS2(&noSource, nullptr, &noTarget, nullptr, nullptr), NLS_OK);
+    EXPECT_EQ(srcPos, source);
+    EXPECT_EQ(tgtPos, target);
+}
+
 TEST(UnicodeDoors, OrderBits) {
     for (uint32_t bits = 0; bits < 16; ++bits) {
         const TableBlock block{static_cast<int64_t>(27 | bits << 7), 0};
