@@ -1,12 +1,14 @@
 #include "conversion/jis.hpp"
 
+#include "conversion/jis_wide.hpp"
 #include "nls/status.h"
 
 namespace nls {
 
 namespace {
 
-constexpr uint8_t kEucKana = 0x8E;  // stands before a half-width kana in EUC
+constexpr unsigned kCharactersAlone = 2;  // behind each run of blocks: kana come in company
+constexpr uint8_t kEucKana = 0x8E;        // stands before a half-width kana in EUC
 
 constexpr bool isSjisLead(uint8_t c) {
     return (c >= 0x81 && c <= 0x9F) || (c >= 0xE0 && c <= 0xEF);
@@ -53,23 +55,30 @@ nlsStatus eucCharacter(ByteReader& source, ByteWriter& target) {
     return put(target, pair) ? NLS_OK : NLS_BUF_SMALL;
 }
 
-template <typename Character>
-Converted walk(ByteView source, ByteSpan target, Character character) {
+// Blocks of sixteen bytes as far as they go, and the characters between them exactly.
+template <typename Character, typename Blocks>
+Converted walk(ByteView source, ByteSpan target, Character character, Blocks blocks) {
     ByteReader reader{source};
     ByteWriter writer{target};
     nlsStatus status = NLS_OK;
-    while (status == NLS_OK && !reader.atEnd()) status = character(reader, writer);
+    while (status == NLS_OK && !reader.atEnd()) {
+        const Run run = blocks({reader.place(), reader.left()}, {writer.place(), writer.room()});
+        reader.skip(run.consumed);
+        writer.advance(run.written);
+        for (unsigned i = 0; i < kCharactersAlone && status == NLS_OK && !reader.atEnd(); ++i)
+            status = character(reader, writer);
+    }
     return {status, static_cast<uint32_t>(writer.written())};
 }
 
 }  // namespace
 
 Converted sjisToEuc(ByteView source, ByteSpan target) {
-    return walk(source, target, sjisCharacter);
+    return walk(source, target, sjisCharacter, sjisToEucBlocks);
 }
 
 Converted eucToSjis(ByteView source, ByteSpan target) {
-    return walk(source, target, eucCharacter);
+    return walk(source, target, eucCharacter, eucToSjisBlocks);
 }
 
 }  // namespace nls

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "convmap/attrib_table.hpp"
+#include "convmap/dbcs_index.hpp"
 #include "convmap/inverse_table.hpp"
 #include "convmap/table_block.hpp"
 
@@ -28,6 +29,10 @@ nlsStatus loadArrays(const LoadContext& context, nlsUcs2Map& map) {
     if (const nlsStatus bad = loadArray(context, map.rowsOffset, map.ucsRowCount, map.ucsRows)) return bad;
     return loadArray(context, map.cellsOffset, map.ucsCellCount, map.ucsCells);
 }
+
+// What an optional index leaves in the arena: the table of the opposite direction, and room for the conversions and the
+// locales that a caller makes next.
+constexpr uint32_t kBytesKeptFree = 1024;
 
 bool leadsToUnicode(ConvType type) {
     return type == ConvType::dbcsToUtf8 || type == ConvType::dbcsToUtf8Long || type == ConvType::dbcsToUtf8Longest;
@@ -69,6 +74,7 @@ Loaded<nlsConvTable> loadDbcsTables(const LoadContext& context, NamePair pair, i
     const Loaded<nlsAttribStruct> attrib = loadAttributes(context, toUnicode.from);
     if (attrib.status != NLS_OK) return {NLS_NO_MEM, table};
     block.attrib = attrib.object;
+    addDbcsIndex(context.arena, kBytesKeptFree, block);
 
     const ByteView bytes{reinterpret_cast<const unsigned char*>(table), sizeof block};
     return {installInverse(context, pair.reversed(), bytes, TableBlock::dbcs), table};

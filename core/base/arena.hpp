@@ -21,6 +21,9 @@ public:
     // taken of the low 32 bits of the address; 0 counts as 1. Asking for 0 bytes gives a place that isn't null.
     void* take(uint64_t size, uint32_t alignment) const;
 
+    // Bytes that are still free. Some of them may go to alignment.
+    uint32_t left() const { return *left_; }
+
     // One record, or `count` of them in a row; all bytes zero.
     template <typename T>
     T* make() const {
