@@ -172,12 +172,15 @@ uint32_t findRows(const nlsUcs2Map& map, AxisBack& axis) {
     return rows == 0 ? 0 : findAxisBack(axis, rows, leadOf);
 }
 
+// Lanes take a byte of 0 for none, so that no trail may be 0.
 bool findColumns(const nlsUcs2Map& map, AxisBack& axis) {
-    const uint32_t columns = map.trailsPerRow;
-    return columns == findAxisBack(axis, columns, [&](uint32_t column) -> uint32_t {
-               const auto squeezed = static_cast<uint8_t>(map.trailFirst1 + column);
-               return static_cast<uint8_t>(squeezed + trailGap(map, squeezed));
-           });
+    const auto trailOf = [&](uint32_t column) -> uint32_t {
+        const auto squeezed = static_cast<uint8_t>(map.trailFirst1 + column);
+        return static_cast<uint8_t>(squeezed + trailGap(map, squeezed));
+    };
+    for (uint32_t column = 0; column < map.trailsPerRow; ++column)
+        if (trailOf(column) == 0) return false;
+    return map.trailsPerRow == findAxisBack(axis, map.trailsPerRow, trailOf);
 }
 
 // A cell of 0 is no mapping. All others must stand for a place below `end`.

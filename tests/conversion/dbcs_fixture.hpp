@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
 #include <memory>
 #include <random>
 #include <string>
 
+#include "convmap/dbcs_index.hpp"
 #include "core/base/cpu.hpp"
 #include "core/base/views.hpp"
 #include "tests/support/dbcs_pack.hpp"
@@ -27,6 +29,10 @@ inline std::string hex(ByteView bytes) {
     return text;
 }
 
+inline bool sameBytes(ByteView a, ByteView b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size()) == 0);
+}
+
 // Packed once in a run of the program.
 inline PackedDbcs& packedDbcs(const std::string& name) {
     static std::map<std::string, std::unique_ptr<PackedDbcs>> all;
@@ -40,7 +46,7 @@ protected:
     void SetUp() override { limitCpuLevel(GetParam()); }
     void TearDown() override { limitCpuLevel(CpuLevel::avx512); }
 };
-inline const auto kLevels = ::testing::Values(CpuLevel::baseline, CpuLevel::avx2, CpuLevel::avx512);
+inline const auto kLevels = ::testing::Values(CpuLevel::baseline, CpuLevel::avx512);
 
 class Random {
 public:
@@ -73,6 +79,38 @@ private:
     }
     std::unique_ptr<GuardedBuffer> buffers_[3];
 };
+
+// An index tied to a table, at the end of memory that may be read; none with a number of pages below 0.
+class GuardedIndex {
+public:
+    GuardedIndex(DbcsTable& table, int pages) : table_(table) {
+        if (pages < 0) return;
+        const std::size_t size = bytesOfIndex(static_cast<unsigned>(pages));
+        buffer_ = std::make_unique<GuardedBuffer>(size);
+        auto* const index = reinterpret_cast<DbcsIndex*>(buffer_->atEnd(size));
+        buildDbcsIndex(table, static_cast<unsigned>(pages), *index);
+        tieDbcsIndex(table, index);
+    }
+    GuardedIndex(const GuardedIndex&) = delete;
+    GuardedIndex& operator=(const GuardedIndex&) = delete;
+    ~GuardedIndex() { tieDbcsIndex(table_, nullptr); }
+
+private:
+    DbcsTable& table_;
+    std::unique_ptr<GuardedBuffer> buffer_;
+};
+
+// Puts odd values into some entries of a map's arrays: no mapping, surrogates, substitutes, anything.
+inline void scramble(nlsUcs2Map& map, Random& random) {
+    const auto some = [&](uint16_t* array, uint32_t count) {
+        constexpr uint16_t kOdd[] = {0, 0xFFFF, 0xFFFD, 0xFFFE, 0xD800, 0xDFFF, 0x7F, 0x80, 0x7FF, 0x800};
+        for (uint32_t i = 0; array != nullptr && i < 200 && count != 0; ++i)
+            array[random.below(count)] = random.oneIn(3) ? random.word() : kOdd[random.below(10)];
+    };
+    some(map.cjisToUcs, map.cjisCount);
+    some(map.ucsRows, map.ucsRowCount);
+    some(map.ucsCells, map.ucsCellCount);
+}
 
 // Changes some fields of a record to anything, as a data file of any origin may hold it. The arrays and their counts
 // stay: what the loader takes from the file always has the length that the counts tell.
