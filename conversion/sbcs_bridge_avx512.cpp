@@ -41,13 +41,17 @@ NLS_TARGET_AVX512 inline void squeeze(BridgeWalk& walk, uint64_t mask, __m512i b
     walk.target += count;
 }
 
-// Copies up to 64 bytes. False, and nothing written, where they aren't all ASCII, or don't fit, or there are none.
+// Whether the next bytes, up to 64, are all ASCII.
+NLS_TARGET_AVX512 inline bool asciiAhead(const BridgeWalk& walk) {
+    return _mm512_movepi8_mask(_mm512_maskz_loadu_epi8(lowBits(walk.left()), walk.source)) == 0;
+}
+
+// Copies up to 64 bytes. False, and nothing written, where they don't fit, or there are none. REQUIRES: asciiAhead.
 NLS_TARGET_AVX512 inline bool copyAscii(BridgeWalk& walk) {
     const std::size_t count = walk.left() < 64 ? walk.left() : 64;
     const uint64_t valid = lowBits(count);
-    const __m512i bytes = _mm512_maskz_loadu_epi8(valid, walk.source);
-    if (_mm512_movepi8_mask(bytes) != 0 || walk.room() < count || count == 0) return false;
-    _mm512_mask_storeu_epi8(walk.target, valid, bytes);
+    if (walk.room() < count || count == 0) return false;
+    _mm512_mask_storeu_epi8(walk.target, valid, _mm512_maskz_loadu_epi8(valid, walk.source));
     walk.target += count;
     walk.source += count;
     return true;
@@ -160,12 +164,12 @@ NLS_TARGET_AVX512 inline bool writeBlock(const Planes& planes, BridgeWalk& walk)
 template <bool kAsciiStays>
 NLS_TARGET_AVX512 void toUtf8Blocks(const SbcsWords& words, BridgeWalk& walk) {
     BridgeWalk at = walk;  // in registers
-    while (kAsciiStays && copyAscii(at)) {
+    while (kAsciiStays && asciiAhead(at) && copyAscii(at)) {
     }
     if (at.source != at.sourceEnd) {
         const Planes planes = makePlanes<kAsciiStays>(words);
         while (planes.usable && at.source != at.sourceEnd)
-            if (!(kAsciiStays && copyAscii(at)) && !writeBlock<kAsciiStays>(planes, at)) break;
+            if (!(kAsciiStays && asciiAhead(at) && copyAscii(at)) && !writeBlock<kAsciiStays>(planes, at)) break;
     }
     walk = at;
 }
@@ -334,7 +338,8 @@ NLS_TARGET_AVX512 void fromUtf8Avx512(const SbcsPages& pages, BridgeWalk& walk) 
     FromUtf8 blocks{walk, {}, false, {}};
     bool going = true;
     while (going && blocks.at.source != blocks.at.sourceEnd) {
-        if (ascii.identity && blocks.leads.pending() == 0 && copyAscii(blocks.at))
+        // The likeliest test comes first: whether a block ends inside a character can't be guessed.
+        if (ascii.identity && asciiAhead(blocks.at) && blocks.leads.pending() == 0 && copyAscii(blocks.at))
             blocks.leads = Leads{};
         else if (blocks.at.left() >= 64)
             going = convertBlock<true>(pages, ascii, walk.source, blocks);
