@@ -74,7 +74,8 @@ NLS_TARGET_AVX512 inline __m512i planePart(const uint32_t* words, unsigned place
     return _mm512_maskz_shuffle_i64x2(0xFF, low, high, 0x44);  // the lower halves of both
 }
 
-// Where ASCII stays what it is, only the upper half of a plane is made, and looked at.
+// Where ASCII stays what it is, only the upper half of a plane is made, and looked at: what a look-up yields for ASCII
+// doesn't matter.
 template <bool kAsciiStays>
 NLS_TARGET_AVX512 inline Plane makePlane(const SbcsWords& words, unsigned place) {
     Plane plane;
@@ -84,9 +85,9 @@ NLS_TARGET_AVX512 inline Plane makePlane(const SbcsWords& words, unsigned place)
 }
 
 template <bool kAsciiStays>
-NLS_TARGET_AVX512 inline __m512i lookUp(const Plane& plane, __m512i bytes, __mmask64 upper, __m512i ascii) {
+NLS_TARGET_AVX512 inline __m512i lookUp(const Plane& plane, __m512i bytes, __mmask64 upper) {
     const __m512i high = _mm512_permutex2var_epi8(plane.part[2], bytes, plane.part[3]);
-    if (kAsciiStays) return _mm512_mask_blend_epi8(upper, ascii, high);
+    if (kAsciiStays) return high;
     return _mm512_mask_blend_epi8(upper, _mm512_permutex2var_epi8(plane.part[0], bytes, plane.part[1]), high);
 }
 
@@ -123,19 +124,20 @@ NLS_TARGET_AVX512 inline void writeUpToThree(BridgeWalk& walk, const Forms& form
 
 struct Planes {
     Plane first, second, third;
-    bool usable;  // no form has four bytes
+    bool usable;  // no form has four bytes; where ASCII stays, no other form has one
 };
 
 template <bool kAsciiStays>
 NLS_TARGET_AVX512 inline Planes makePlanes(const SbcsWords& words) {
     Planes planes{makePlane<kAsciiStays>(words, 0), makePlane<kAsciiStays>(words, 1), {}, true};
-    uint64_t three = 0, four = 0;
+    uint64_t one = 0, three = 0, four = 0;
     for (unsigned part = kAsciiStays ? 2 : 0; part < 4; ++part) {
+        one |= _mm512_cmplt_epu8_mask(planes.first.part[part], all(0xC0));
         three |= _mm512_cmpge_epu8_mask(planes.first.part[part], all(0xE0));
         four |= _mm512_cmpge_epu8_mask(planes.first.part[part], all(0xF0));
     }
     if (three != 0) planes.third = makePlane<kAsciiStays>(words, 2);
-    planes.usable = four == 0;
+    planes.usable = four == 0 && !(kAsciiStays && one != 0);
     return planes;
 }
 
@@ -146,17 +148,18 @@ NLS_TARGET_AVX512 inline bool writeBlock(const Planes& planes, BridgeWalk& walk)
     const std::size_t count = walk.left() < 64 ? walk.left() : 64;
     Forms forms;
     forms.valid = lowBits(count);
-    const __m512i bytes = _mm512_maskz_loadu_epi8(forms.valid, walk.source), none = _mm512_setzero_si512();
+    const __m512i bytes = _mm512_maskz_loadu_epi8(forms.valid, walk.source);
     const __mmask64 upper = _mm512_movepi8_mask(bytes);
-    forms.first = lookUp<kAsciiStays>(planes.first, bytes, upper, bytes);
-    forms.two = _mm512_cmpge_epu8_mask(forms.first, all(0xC0)) & forms.valid;
+    forms.first = lookUp<kAsciiStays>(planes.first, bytes, upper);
+    if (kAsciiStays) forms.first = _mm512_mask_blend_epi8(upper, bytes, forms.first);
+    forms.two = kAsciiStays ? upper : _mm512_cmpge_epu8_mask(forms.first, all(0xC0)) & forms.valid;
     forms.three = _mm512_cmpge_epu8_mask(forms.first, all(0xE0)) & forms.valid;
     if (walk.room() <= count + countBits(forms.two) + countBits(forms.three)) return false;
-    forms.second = lookUp<kAsciiStays>(planes.second, bytes, upper, none);
+    forms.second = lookUp<kAsciiStays>(planes.second, bytes, upper);
     if (forms.three == 0)
         writeUpToTwo(walk, forms);
     else
-        writeUpToThree(walk, forms, lookUp<kAsciiStays>(planes.third, bytes, upper, none));
+        writeUpToThree(walk, forms, lookUp<kAsciiStays>(planes.third, bytes, upper));
     walk.source += count;
     return true;
 }
