@@ -150,11 +150,11 @@ nlsStatus fromUtf8Baseline(const SbcsPages& pages, BridgeWalk& walk) {
 nlsStatus fromUtf8(const SbcsPages& pages, BridgeWalk& walk) {
     const CpuLevel level = cpuLevel();
     if (level == CpuLevel::baseline) return fromUtf8Baseline(pages, walk);
-    while (walk.source != walk.sourceEnd) {
+    for (;;) {
         fromUtf8Wide(level, pages, walk);
+        if (walk.source == walk.sourceEnd) return NLS_OK;
         if (const nlsStatus status = fromUtf8Plain(pages, walk, 64)) return status;
     }
-    return NLS_OK;
 }
 
 }  // namespace

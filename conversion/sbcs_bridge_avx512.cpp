@@ -239,18 +239,11 @@ NLS_TARGET_AVX512 inline Shape shapeOf(__m512i bytes, uint64_t valid, const Lead
     return shape;
 }
 
-// The 128 entries of ASCII.
-struct AsciiPage {
-    __m512i low, high;
-    bool identity;
-};
-
-NLS_TARGET_AVX512 inline AsciiPage asciiPage(const unsigned char* page) {
+NLS_TARGET_AVX512 inline bool asciiStays(const unsigned char* page) {
     static constexpr auto kAscii = indices([](unsigned i) { return i; });
-    const __m512i low = _mm512_loadu_si512(page), high = _mm512_loadu_si512(page + 64), ascii = load(kAscii);
-    const uint64_t differences =
-        _mm512_cmpneq_epi8_mask(low, ascii) | _mm512_cmpneq_epi8_mask(high, _mm512_add_epi8(ascii, all(64)));
-    return {low, high, differences == 0};
+    const __m512i ascii = load(kAscii), upper = _mm512_add_epi8(ascii, all(64));
+    return (_mm512_cmpneq_epi8_mask(_mm512_loadu_si512(page), ascii) |
+            _mm512_cmpneq_epi8_mask(_mm512_loadu_si512(page + 64), upper)) == 0;
 }
 
 // Each byte at the place behind its own.
@@ -259,16 +252,19 @@ NLS_TARGET_AVX512 inline __m512i oneBack(__m512i bytes) {
     return _mm512_maskz_permutexvar_epi8(~0ULL, load(kBefore), bytes);
 }
 
-// The byte in front of the first place of a mask. The one in front of a block belongs to the text too, if the block
+// The byte in front of the first place of a mask, or for an empty mask any byte of the block: a page to look at, needed
+// or not, costs less than a test that can't be guessed. The byte in front of a block belongs to the text, if the block
 // begins inside a character.
 NLS_TARGET_AVX512 inline unsigned byteBefore(const unsigned char* block, uint64_t mask) {
-    return block[static_cast<std::ptrdiff_t>(_tzcnt_u64(mask)) - 1];
+    const uint64_t some = mask + (mask == 0 ? 2 : 0);
+    return block[static_cast<std::ptrdiff_t>(_tzcnt_u64(some)) - 1];
 }
 
 // A walk over blocks, as it stands between two of them.
 struct FromUtf8 {
     BridgeWalk at;
-    Leads leads;  // of the last block, as if it had ended at its 64th byte
+    bool asciiStays;  // known of texts of whole blocks; the rest of a text is looked up in any case
+    Leads leads;      // of the last block, as if it had ended at its 64th byte
     bool hotKnown;
     PagePair hot;  // the pair that was needed last
 };
@@ -308,15 +304,18 @@ NLS_TARGET_AVX512 inline __m512i substituteZeros(BridgeWalk& walk, __m512i mappe
 // A block of 64 bytes, or the shorter rest of the text, whose first byte is at `start`. False, and nothing written,
 // where the block is odd, holds the end of no character, or doesn't fit.
 template <bool kWhole>
-NLS_TARGET_AVX512 inline bool convertBlock(const SbcsPages& pages, const AsciiPage& ascii, const unsigned char* start,
-                                           FromUtf8& walk) {
+NLS_TARGET_AVX512 inline bool convertBlock(const SbcsPages& pages, const unsigned char* start, FromUtf8& walk) {
     const std::size_t count = kWhole ? 64 : walk.at.left();
     const uint64_t valid = kWhole ? ~0ULL : lowBits(count);
     const __m512i bytes = _mm512_maskz_loadu_epi8(valid, walk.at.source);
     const Shape shape = shapeOf(bytes, valid, walk.leads);
     if (!shape.sound || shape.last == 0 || walk.at.room() < countBits(shape.last)) return false;
-    __m512i mapped = ascii.identity ? bytes : _mm512_permutex2var_epi8(ascii.low, bytes, ascii.high);
-    if ((shape.last & shape.upper) != 0) {
+    __m512i mapped = bytes;
+    if (!kWhole || !walk.asciiStays) {
+        const unsigned char* const page = pages.page[0];
+        mapped = _mm512_permutex2var_epi8(_mm512_loadu_si512(page), bytes, _mm512_loadu_si512(page + 64));
+    }
+    if (!kWhole || (shape.last & shape.upper) != 0) {
         const __m512i before =
             walk.at.source == start ? oneBack(bytes) : _mm512_maskz_loadu_epi8(valid, walk.at.source - 1);
         mapped = lookUpPages(pages, walk, mapped, bytes, before, shape);
@@ -337,17 +336,18 @@ NLS_TARGET_AVX512 void toUtf8Avx512(const SbcsWords& words, BridgeWalk& walk) {
 }
 
 NLS_TARGET_AVX512 void fromUtf8Avx512(const SbcsPages& pages, BridgeWalk& walk) {
-    const AsciiPage ascii = asciiPage(pages.page[0]);
-    FromUtf8 blocks{walk, {}, false, {}};
+    // Word by word: a wide load of what the caller has just stored in words would have to wait for it.
+    const BridgeWalk at{walk.source, walk.sourceEnd, walk.target, walk.targetEnd, walk.substituted};
+    FromUtf8 blocks{at, at.left() >= 64 && asciiStays(pages.page[0]), {}, false, {}};
     bool going = true;
     while (going && blocks.at.source != blocks.at.sourceEnd) {
         // The likeliest test comes first: whether a block ends inside a character can't be guessed.
-        if (ascii.identity && asciiAhead(blocks.at) && blocks.leads.pending() == 0 && copyAscii(blocks.at))
+        if (blocks.at.left() < 64)
+            going = convertBlock<false>(pages, walk.source, blocks);
+        else if (blocks.asciiStays && asciiAhead(blocks.at) && blocks.leads.pending() == 0 && copyAscii(blocks.at))
             blocks.leads = Leads{};
-        else if (blocks.at.left() >= 64)
-            going = convertBlock<true>(pages, ascii, walk.source, blocks);
         else
-            going = convertBlock<false>(pages, ascii, walk.source, blocks);
+            going = convertBlock<true>(pages, walk.source, blocks);
     }
     blocks.at.source -= blocks.leads.pending();
     walk = blocks.at;
