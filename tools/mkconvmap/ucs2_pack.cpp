@@ -8,7 +8,8 @@ namespace nls::mkconvmap {
 
 namespace {
 
-constexpr uint16_t kHole = 0xFFFF;         // in cjisToUcs and in the direct form: nothing is mapped here
+constexpr uint16_t kHole = 0xFFFF;         // in cjisToUcs: nothing is mapped here
+constexpr uint16_t kNothing = 0;           // in the direct form: number 0, whose code 0xFFFF is none
 constexpr uint32_t kMostEntries = 0xFFFF;  // counts and indices have 16 bits
 constexpr uint32_t kPlaneMask = 0xFFFF0000;
 
@@ -185,7 +186,7 @@ private:
         if (block.size() > kMostEntries) fail(plan.direct->place, "the block has more than 65535 code points");
         map.record.ucsMin = static_cast<uint16_t>(block.first);
         map.record.ucsMax = static_cast<uint16_t>(block.last);
-        map.ucsCells.assign(block.size(), kHole);
+        map.ucsCells.assign(block.size(), kNothing);
         for (const auto& [codePoint, number] : numbers) map.ucsCells[codePoint - block.first] = number;
     }
 
