@@ -1,7 +1,7 @@
 // Multi-byte charsets to and from UTF-8 and UTF-16, and Shift-JIS to and from EUC, beside ICU and iconv.
 //
-// One text of a mebibyte, strings of 16 bytes and column values of 8 to 64 bytes (bytes of UTF-8). The tables are those of
-// the real data file.
+// One text of a mebibyte, strings of 16 bytes and column values of 8 to 64 bytes (bytes of UTF-8). The tables are those
+// of the real data file.
 //   bench_multi_byte [--cpu-level=1|2|3] [flags of Google Benchmark]
 #include "bench/support/charset_work.hpp"
 #include "bench/support/tables.hpp"

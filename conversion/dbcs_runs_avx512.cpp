@@ -66,8 +66,8 @@ alignas(64) constexpr BytePlaces kFourTimesEach = [] {
     return places;
 }();
 
-// For the bytes of `block` at the set bits of `taken`, a lane each: the bytes at their places moved by the four bytes of
-// `distances`, which wrap at 64.
+// For the bytes of `block` at the set bits of `taken`, a lane each: the bytes at their places moved by the four bytes
+// of `distances`, which wrap at 64.
 NLS_WIDE __m512i spread(__m512i block, uint64_t taken, uint32_t distances) {
     const __m512i places = _mm512_maskz_compress_epi8(taken, _mm512_load_si512(kEachPlace.data()));
     const __m512i inLanes = _mm512_permutexvar_epi8(_mm512_load_si512(kFourTimesEach.data()), places);
@@ -219,9 +219,9 @@ public:
         to_ += count;
         return true;
     }
-    // The bytes in use of the first `count` lanes, lowest byte first. They stand for `consumed` bytes. False, and nothing
-    // written, when they don't fit or are none. What is in use depends on the look-ups, but nearly always it's what was
-    // expected of them, and the branch on that lets the next block find its place before they are done.
+    // The bytes in use of the first `count` lanes, lowest byte first. They stand for `consumed` bytes. False, and
+    // nothing written, when they don't fit or are none. What is in use depends on the look-ups, but nearly always it's
+    // what was expected of them, and the branch on that lets the next block find its place before they are done.
     NLS_WIDE bool write(__m512i forms, uint64_t expected, unsigned count, std::size_t consumed) {
         uint64_t used = expected;
         __asm__("" : "+r"(used));  // to the compiler another value, so that it doesn't take the late one for both

@@ -160,8 +160,8 @@ uint32_t findAxisBack(AxisBack& axis, uint32_t limit, ByteOf byteOf) {
     return place;
 }
 
-// Rows of the grid from the first on whose lead bytes an AxisBack tells. A lead byte of 0 would make a code of one byte,
-// and one of 0xFF could make the code that says "no mapping".
+// Rows of the grid from the first on whose lead bytes an AxisBack tells. A lead byte of 0 would make a code of one
+// byte, and one of 0xFF could make the code that says "no mapping".
 uint32_t findRows(const nlsUcs2Map& map, AxisBack& axis) {
     const auto leadOf = [&](uint32_t row) -> uint32_t {
         const auto squeezed = static_cast<uint8_t>(map.leadFirst1 + row);

@@ -24,7 +24,7 @@ ARROWS = {
     "core": {"include", "core/base", "convmap"},
     "convmap": {"include", "core/base"},
     "chars": {"include", "core/base"},
-    "conversion": {"include", "core/base", "convmap/conv_table.hpp"},
+    "conversion": {"include", "core/base", "convmap/conv_table.hpp", "convmap/dbcs_index.hpp"},
     "strings": {"include", "core/base", "chars"},
     "tools/mkconvmap": CLIENT | {"core/base", "convmap"},
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
