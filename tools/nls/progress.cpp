@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace nls::tool {
@@ -13,7 +14,7 @@ constexpr std::chrono::milliseconds drawEvery{100};
 constexpr int barWidth = 24;
 
 std::string timeText(double seconds) {
-    const auto whole = static_cast<unsigned long>(std::min(seconds, 1e6) + 0.5);
+    const auto whole = static_cast<unsigned long>(std::lround(std::min(seconds, 1e6)));
     char text[32];
     if (whole >= 3600) {
         std::snprintf(text, sizeof text, "%lu:%02lu:%02lu", whole / 3600, whole / 60 % 60, whole % 60);
