@@ -22,7 +22,7 @@ namespace nls {
 
 namespace {
 
-#define NLS_WIDE NLS_TARGET_AVX512 [[gnu::always_inline]] inline
+#define NLS_WIDE [[gnu::always_inline]] NLS_TARGET_AVX512 inline
 
 constexpr unsigned kLanes = 16;
 constexpr std::size_t kBlock = 64;    // bytes
