@@ -135,8 +135,8 @@ NLS_TARGET_AVX2 inline __m256i loadValues(const unsigned char* place, std::size_
     walk.moveTo(place, target);
 }
 
-// Any block, the last one too, and after some without pairs the next such. Its missing values make one unit each behind the rest. False, and nothing taken, if it
-// doesn't fit.
+// Any block, the last one too, and after some without pairs the next such. Values missing from the last one make one
+// unit each behind the rest. False, and nothing taken, if the block doesn't fit.
 [[gnu::always_inline]] NLS_TARGET_AVX2 inline bool splitValues(UnicodeWalk& walk, PlainBlocks& plainBlocks) {
     const std::size_t size = std::min(walk.source.left(), 4 * kUnits), firstSize = std::min<std::size_t>(size, 32);
     const bool swap = walk.order.swapSource;

@@ -13,9 +13,9 @@
    UTF-16 and 32 in UCS4; a part of a unit in front of srcEnd or tgtEnd is left alone. Source and target must not
    overlap, unless the source is one single character.
 
-   A null srcPos or tgtPos, or a null place with an end, is refused with NLS_BAD_ARG, and nothing is looked at. Otherwise
-   both positions are written back whatever the result, and nothing behind *tgtPos is touched. No table is needed for
-   the conversion itself, nothing is allocated, and any number of threads may call at once.
+   A null srcPos or tgtPos, or a null place with an end, is refused with NLS_BAD_ARG, and nothing is looked at.
+   Otherwise both positions are written back whatever the result, and nothing behind *tgtPos is touched. No table is
+   needed for the conversion itself, nothing is allocated, and any number of threads may call at once.
 
    Results:
      NLS_OK              all of the source was read
@@ -60,8 +60,8 @@ NLS_API extern const uint32_t offsetsFromUTF8[6];
 NLS_API extern const unsigned char firstByteMark[7];
 
 /* The byte orders that a table asks for. *swapSource: 0x80 if the units of the source stand in the order opposite to
-   the host's, else 0. *swapTarget: 0x200 for the units of the target, else 0. A null table asks for neither. An out-argument may be
-   null. */
+   the host's, else 0. *swapTarget: 0x200 for the units of the target, else 0. A null table asks for neither. An
+   out-argument may be null. */
 NLS_API void setSwap(const nlsConvTable* table, uint32_t* swapSource, uint32_t* swapTarget);
 
 /* UTF-16 to UCS4. A lone surrogate passes as it is. NLS_OK, NLS_BUF_SMALL. Swaps on both sides. */
