@@ -92,6 +92,21 @@ NLS_TARGET_AVX512 inline void storeValues(unsigned char* target, const Halves& v
     return true;
 }
 
+// A text of up to thirty-two units without surrogates. False, and nothing taken, if it has some or doesn't fit.
+[[gnu::always_inline]] NLS_TARGET_AVX512 inline bool widenShort(ByteView source, ByteSpan target, ByteOrder order) {
+    const std::size_t count = source.size() / 2;
+    const __m512i units = loadUnits(source.data(), firstBits(count), order.swapSource);
+    const __m512i field = _mm512_and_si512(units, _mm512_set1_epi16(static_cast<int16_t>(0xF800)));
+    const bool surrogates = _mm512_cmpeq_epi16_mask(field, _mm512_set1_epi16(static_cast<int16_t>(0xD800))) != 0;
+    if (surrogates || 4 * count > target.size()) return false;
+    const __m512i first = _mm512_maskz_cvtepu16_epi32(0xFFFF, lowHalf(units));
+    storeDwords(target.data(), order.swapTarget ? swapUnits<4>(first) : first, count);
+    if (count <= 16) return true;
+    const __m512i second = _mm512_maskz_cvtepu16_epi32(0xFFFF, highHalf(units));
+    storeDwords(target.data() + 64, order.swapTarget ? swapUnits<4>(second) : second, count - 16);
+    return true;
+}
+
 // --- UCS4 to UTF-16
 
 constexpr std::size_t kValues = 16;
@@ -149,6 +164,7 @@ NLS_TARGET_AVX512 inline __m512i oddWords() {
 }  // namespace
 
 NLS_TARGET_AVX512 WideTaken utf16ToUcs4Avx512(ByteView source, ByteSpan target, ByteOrder order) {
+    if (source.size() <= 2 * kUnits && widenShort(source, target, order)) return {source.size(), 2 * source.size()};
     UnicodeWalk walk{ByteReader{source}, ByteWriter{target}, order};
     PlainBlocks plainBlocks;
     bool going = true;
