@@ -173,7 +173,7 @@ template <int kUnit>
     if (taken == 0 || (irregularPlaces(block) & present) != 0) return false;
     Planes planes = planesOf(block, used & ~(signBits(isTrail(block.text)) >> 1));
     if (!completeFours<kUnit>(block, used, planes)) return false;
-    const std::size_t written = static_cast<std::size_t>(kUnit * _mm_popcnt_u32(planes.wanted));
+    const std::size_t written = kUnit * static_cast<std::size_t>(_mm_popcnt_u32(planes.wanted));
     if (written > walk.target.room()) return false;
     const Output out = inOrder<kUnit>(planes, walk.order.swapTarget);
     const bool direct = hasRoomForDirect<kUnit>(walk);

@@ -27,8 +27,8 @@ NLS_TARGET_AVX512 inline __m512i select(__m512i mask, __m512i from, __m512i othe
 
 // Up to 64 bytes of text and where its characters stand.
 struct Block {
-    const unsigned char* place;
     __m512i text;
+    const unsigned char* place;
     uint64_t trails, leads, threes, fours;  // bytes 10xxxxxx; first bytes from C0, from E0, from F0 on
     uint64_t used;                          // the bytes of the characters that end in the block
     bool regular;

@@ -203,7 +203,7 @@ TEST_P(UnicodeTransforms, EdgesBesideEachOther) {
     std::size_t round = 0;
     for (const uint32_t first : kEdges) {
         for (const uint32_t second : kEdges) {
-            for (const std::size_t before : {0, 14, 15, 30, 31}) {
+            for (const std::size_t before : {0U, 14U, 15U, 30U, 31U}) {
                 const ByteOrder order = each[round++ % each.size()];
                 std::vector<uint32_t> text(before, 0x3B1);
                 text.insert(text.end(), {first, second});
