@@ -1,0 +1,153 @@
+// Every code and every code point of every charset of the data file, there and back, beside the published converters
+// for it.
+#include <algorithm>
+#include <sstream>
+
+#include "tests/real/foretold.hpp"
+#include "tests/real/known_differences.hpp"
+
+namespace nls::real {
+namespace {
+
+std::string hex(uint32_t value) {
+    std::ostringstream text;
+    text << std::hex << std::uppercase;
+    value == kNone ? text << "none" : text << value;
+    return text.str();
+}
+
+// The rows of one pairing, with what was found of each.
+class Ledger {
+public:
+    explicit Ledger(const Pairing& pairing) : rows_(differencesOf(pairing)), found_(rows_.size()) {}
+
+    bool holds(Axis axis, uint32_t at) const { return find(axis, at) != rows_.size(); }
+    bool enter(Axis axis, uint32_t at) {
+        const std::size_t row = find(axis, at);
+        if (row != rows_.size()) ++found_[row];
+        return row != rows_.size();
+    }
+    void expectAsCounted() const {
+        for (std::size_t row = 0; row < rows_.size(); ++row)
+            EXPECT_EQ(found_[row], rows_[row]->count)
+                << hex(rows_[row]->first) << " to " << hex(rows_[row]->last) << ", " << rows_[row]->reason;
+    }
+
+private:
+    std::size_t find(Axis axis, uint32_t at) const {
+        const auto is = [&](const Difference* row) { return row->axis == axis && row->first <= at && at <= row->last; };
+        return static_cast<std::size_t>(std::find_if(rows_.begin(), rows_.end(), is) - rows_.begin());
+    }
+
+    std::vector<const Difference*> rows_;
+    std::vector<int> found_;
+};
+
+// Differences that no row knows, in ranges, so that a new one of a thousand codes is one line.
+class Unknown {
+public:
+    explicit Unknown(const char* axis) : axis_(axis) {}
+    ~Unknown() { endRange(); }
+    Unknown(const Unknown&) = delete;
+    Unknown& operator=(const Unknown&) = delete;
+
+    void add(uint32_t at, uint32_t have, uint32_t want) {
+        if (count_ != 0 && at - last_ > 8) endRange();
+        if (count_++ == 0) first_ = at, have_ = have, want_ = want;
+        last_ = at;
+    }
+
+private:
+    void endRange() {
+        if (count_ != 0)
+            ADD_FAILURE() << axis_ << " " << hex(first_) << " to " << hex(last_) << ", " << count_
+                          << ": unknown differences; at the first have " << hex(have_) << ", the peer " << hex(want_);
+        count_ = 0;
+    }
+
+    const char* axis_;
+    uint32_t first_ = 0, last_ = 0, have_ = 0, want_ = 0, count_ = 0;
+};
+
+void compareCodes(const CharsetModel& charset, const Peer& peer, Ledger& known) {
+    Unknown unknown("codes");
+    for (uint32_t code = 0; code <= 0xFFFF; ++code) {
+        const uint32_t have = charset.decode(code), want = peer.decode[code];
+        if (have != want && !known.enter(Axis::codes, code)) unknown.add(code, have, want);
+    }
+}
+
+// The way back of a single-byte charset finds a three-byte character by its low twelve bits alone. So all others that
+// share them are lent its code.
+bool isLent(const CharsetModel& charset, uint32_t codePoint, uint32_t code) {
+    if (charset.isMultiByte() || codePoint < 0x800 || codePoint > 0xFFFF || code == kNone) return false;
+    const uint32_t own = charset.decode(code);
+    return own != codePoint && own >= 0x800 && own <= 0xFFFF && (own & 0xFFF) == (codePoint & 0xFFF);
+}
+
+// A code that is known to differ, on either side, explains its code points.
+void compareCodePoints(const CharsetModel& charset, const Peer& peer, Ledger& known) {
+    Unknown unknown("code points");
+    for (uint32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+        const uint32_t have = charset.encode(codePoint), want = peer.encode[codePoint];
+        if (have == want || (want == kNone && isLent(charset, codePoint, have))) continue;
+        if (known.holds(Axis::codes, have) || known.holds(Axis::codes, want)) continue;
+        if (!known.enter(Axis::codePoints, codePoint)) unknown.add(codePoint, have, want);
+    }
+}
+
+class BesidePeer : public testing::TestWithParam<Pairing> {};
+
+TEST_P(BesidePeer, AgreesButForWhatIsKnown) {
+    const CharsetModel& charset = CharsetModel::of(GetParam().charset);
+    const Peer peer = askPeer(GetParam().library, GetParam().converter, charset);
+    Ledger known(GetParam());
+    compareCodes(charset, peer, known);
+    compareCodePoints(charset, peer, known);
+    known.expectAsCounted();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, BesidePeer, testing::ValuesIn(pairings().begin(), pairings().end()), [](const auto& row) {
+    return identifier(std::string{row.param.charset} + "_" + libraryName(row.param.library));
+});
+
+TEST(Peers, EveryCharsetHasOne) {
+    for (const std::string& name : RealFile::shared().legacyCharsets()) {
+        const auto is = [&](const Pairing& pairing) { return pairing.charset == name; };
+        EXPECT_TRUE(std::any_of(pairings().begin(), pairings().end(), is)) << name;
+    }
+}
+
+// A code comes back, or the code of the same character that was preferred does. A code point that is sent to the code of
+// another is lent it; of single-byte charsets it is told above which.
+TEST(Charsets, ThereAndBack) {
+    for (const std::string& name : RealFile::shared().legacyCharsets()) {
+        const CharsetModel& charset = CharsetModel::of(name);
+        for (uint32_t code = 0; code <= 0xFFFF; ++code) {
+            const uint32_t codePoint = charset.decode(code);
+            if (codePoint == kNone) continue;
+            const uint32_t back = charset.encode(codePoint);
+            EXPECT_TRUE(back == code || (back != kNone && charset.decode(back) == codePoint)) << name << hex(code);
+        }
+        EXPECT_NE(charset.substitute(), kNone) << name;
+    }
+}
+
+// All that can be lent is.
+TEST(Charsets, CodesAreLentByLowTwelveBits) {
+    for (const std::string& name : RealFile::shared().legacyCharsets()) {
+        const CharsetModel& charset = CharsetModel::of(name);
+        if (charset.isMultiByte()) continue;
+        std::map<uint32_t, uint32_t> lenders;
+        for (uint32_t code = 0; code <= 0xFF; ++code)
+            if (charset.decode(code) >= 0x800) lenders[charset.decode(code) & 0xFFF] = code;
+        for (uint32_t codePoint = 0x800; codePoint <= 0xFFFF; ++codePoint) {
+            const auto lender = lenders.find(codePoint & 0xFFF);
+            ASSERT_EQ(charset.encode(codePoint), lender == lenders.end() ? kNone : lender->second)
+                << name << hex(codePoint);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace nls::real
