@@ -9,7 +9,7 @@
 namespace nls {
 
 struct LaneConstants {
-    uint32_t byte = 0xFF, word = 0xFFFF, evenBytes = 0x00FF00FF;
+    uint32_t minusOne = 0xFFFFFFFF, byte = 0xFF, word = 0xFFFF, evenBytes = 0x00FF00FF;
     uint32_t toSecond =
         0x00010000;  // a character's first byte in the low half of its lane, its second in the high half
     uint32_t toFormer = 0x00FEFF00;  // its last byte, the one before, the one before that

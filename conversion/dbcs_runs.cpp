@@ -30,10 +30,9 @@ inline uint32_t codeInPages(const DbcsIndex& index, uint32_t ucs) {
     return 0;
 }
 
-// The same for a Cjis code of the dense block, which always has two bytes.
-inline uint32_t codeOfNumber(const DbcsIndex& index, uint32_t number) {
+// The same for a place in the grid, which always has two bytes.
+inline uint32_t codeOfPlace(const DbcsIndex& index, uint32_t place) {
     const AxisBack &leads = index.leadsBack, &trails = index.trailsBack;
-    const uint32_t place = number + index.firstPlace;
     const uint32_t row = divideBy(index.reciprocal, static_cast<uint16_t>(place));
     const uint32_t column = place - row * index.columns;
     const uint32_t trail = column + trails.offset + ifNegative(trails.split - column, trails.delta);
@@ -126,9 +125,9 @@ Run runFromUtf8Plain(const DbcsTable& table, const DbcsIndex& index, ByteView so
         const uint32_t ucs = decodeUtf8(from, 2), direct = ucs - index.directFirst;
         uint32_t code;
         if (direct < index.directCount) {
-            const uint32_t number = cells[direct];
-            if (number == 0) break;
-            code = codeOfNumber(index, number);
+            const uint32_t place = cells[direct] - 1U;
+            if (place >= index.placeEnd) break;
+            code = codeOfPlace(index, place);
         } else {
             code = codeInPages(index, ucs);
             if (code <= 0xFF) break;

@@ -162,9 +162,8 @@ NLS_WIDE BlockPlaces placesInBlock(const DbcsIndex& index, __m512i units, __mmas
 
 // Codes of the dense block, first byte low; clears the lanes of `covered` that have none.
 NLS_WIDE __m512i codesInBlock(const DbcsIndex& index, const uint16_t* cells, __m512i places, __mmask16& covered) {
-    const __m512i numbers = gather(covered, cells, places);
-    covered = _mm512_mask_test_epi32_mask(covered, numbers, numbers);
-    const __m512i inGrid = _mm512_add_epi32(numbers, all(index.firstPlace));
+    const __m512i inGrid = _mm512_add_epi32(gather(covered, cells, places), all(kLane.minusOne));
+    covered = _mm512_mask_cmplt_epu32_mask(covered, inGrid, all(index.placeEnd));
     const __m128i shift = _mm_cvtsi32_si128(static_cast<int>(index.rowShift));
     const __m512i rows = _mm512_srl_epi32(_mm512_mulhi_epu16(inGrid, all(index.rowFactor)), shift);
     const __m512i columns = _mm512_sub_epi32(inGrid, _mm512_mullo_epi16(rows, all(index.columns)));

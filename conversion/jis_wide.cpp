@@ -2,8 +2,8 @@
 
 #include <emmintrin.h>
 
-#include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace nls {
 
@@ -98,22 +98,48 @@ struct EucToSjis {
     }
 };
 
+struct Block {
+    Bytes bytes;
+    std::size_t count;  // from the front on, up to the first half-width kana or the pair that the end cuts off
+    bool kana;
+};
+template <typename Rule>
+Block convertBlock(Bytes bytes, std::size_t size) {
+    const Pairs pairs = pairUp(bitsOf(Rule::leads(bytes)));
+    const unsigned end = 1U << size;
+    const unsigned kana = bitsOf(Rule::kana(bytes)) & ~pairs.seconds, cutOff = pairs.firsts & end >> 1;
+    const Bytes inGrid = Rule::trails(bytes);
+    const Bytes firsts = _mm_and_si128(maskOf(pairs.firsts), nextOf(inGrid));
+    const Bytes seconds = _mm_and_si128(maskOf(pairs.seconds), inGrid);
+    const Bytes result = select(firsts, Rule::newLeads(bytes), select(seconds, Rule::newTrails(bytes), bytes));
+    return {result, static_cast<std::size_t>(std::countr_zero(kana | cutOff | end)), kana != 0};
+}
+
+// A part of a block, by way of memory of its own.
+template <typename Rule>
+std::size_t convertRest(ByteView source, ByteSpan target) {
+    unsigned char room[kBlock] = {};
+    std::memcpy(room, source.data(), source.size());
+    const Block block = convertBlock<Rule>(_mm_loadu_si128(reinterpret_cast<const __m128i*>(room)), source.size());
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(room), block.bytes);
+    std::memcpy(target.data(), room, block.count);
+    return block.count;
+}
+
 template <typename Rule>
 Run convertBlocks(ByteView source, ByteSpan target) {
+    constexpr std::size_t kWorthIt = 6;
     std::size_t done = 0;
     while (source.size() - done >= kBlock && target.size() - done >= kBlock) {
-        const Bytes bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source.data() + done));
-        const Pairs pairs = pairUp(bitsOf(Rule::leads(bytes)));
-        const unsigned stops = (bitsOf(Rule::kana(bytes)) & ~pairs.seconds) | (pairs.firsts & 0x8000) | 0x10000;
-        const auto count = static_cast<std::size_t>(std::countr_zero(stops));
-        const Bytes inGrid = Rule::trails(bytes);
-        const Bytes firsts = _mm_and_si128(maskOf(pairs.firsts), nextOf(inGrid));
-        const Bytes seconds = _mm_and_si128(maskOf(pairs.seconds), inGrid);
-        const Bytes result = select(firsts, Rule::newLeads(bytes), select(seconds, Rule::newTrails(bytes), bytes));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(target.data() + done), result);
-        done += count;
-        if ((stops & 0x7FFF) != 0) break;
+        const Block block =
+            convertBlock<Rule>(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source.data() + done)), kBlock);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(target.data() + done), block.bytes);
+        done += block.count;
+        if (block.kana) return {done, done};
     }
+    const std::size_t left = source.size() - done;
+    if (left >= kWorthIt && left < kBlock && target.size() - done >= left)
+        done += convertRest<Rule>(source.subspan(done), target.subspan(done));
     return {done, done};
 }
 

@@ -183,24 +183,24 @@ bool findColumns(const nlsUcs2Map& map, AxisBack& axis) {
     return map.trailsPerRow == findAxisBack(axis, map.trailsPerRow, trailOf);
 }
 
-// A cell of 0 is no mapping. All others must stand for a place below `end`.
+// Cells of 0 and 0xFFFF are no mapping. All others must stand for a place below `end`.
 bool allBelow(const nlsUcs2Map& map, uint32_t count, uint32_t end) {
     return std::all_of(map.ucsCells, map.ucsCells + count,
-                       [&](uint16_t cell) { return cell == 0 || map.cjisBase - 1U + cell < end; });
+                       [&](uint16_t cell) { return cell == 0 || cell == kNoMapping || cell - 1U < end; });
 }
 
 void findWayBack(const DbcsTable& table, DbcsIndex& index) {
     const nlsUcs2Map& third = table.maps[2];
     const uint32_t count = directCountOf(third);
-    if (!hasThirdMap(table) || count == 0 || !countsEvenly(third)) return;
+    if (!hasThirdMap(table) || count == 0 || third.cjisBase != 0 || !countsEvenly(third)) return;
     const uint32_t columns = third.trailsPerRow, rows = findRows(third, index.leadsBack);
     constexpr uint32_t kPlaceLimit = 0x8000;
-    if (rows == 0 || !findColumns(third, index.trailsBack)) return;
-    if (!allBelow(third, count, std::min(rows * columns, kPlaceLimit))) return;
+    const uint32_t placeEnd = std::min(rows * columns, kPlaceLimit);
+    if (rows == 0 || !findColumns(third, index.trailsBack) || !allBelow(third, count, placeEnd)) return;
     index.columns = columns;
     index.directFirst = third.ucsMin;
     index.directCount = count - 1;
-    index.firstPlace = third.cjisBase - 1U;
+    index.placeEnd = placeEnd;
     index.reciprocal = kReciprocals[columns];
     // 2^(15 + bits) / columns, rounded up, lies between 2^15 and 2^16. What rounding adds to a place below 2^15, times
     // the factor, is less than 2^15 * columns, which is at most 2^(15 + bits): the quotient is exact.

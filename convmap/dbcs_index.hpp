@@ -61,7 +61,7 @@ struct DbcsIndex {
 
     uint32_t columns;                   // trail bytes in a row
     uint32_t directFirst, directCount;  // code points from directFirst on that have a cell, with another one behind
-    uint32_t firstPlace;                // place in the grid of Cjis code 0
+    uint32_t placeEnd;                  // a cell less 1 is a place below it, or the code point isn't mapped
     uint32_t reciprocal;                // of `columns`, as divideBy takes it (conversion/cjis_grid.hpp)
     uint32_t rowFactor, rowShift;  // the same for 16 bits: the row of a place is (place * rowFactor >> 16) >> rowShift
     AxisBack leadsBack, trailsBack;

@@ -12,7 +12,7 @@ namespace nls::test {
 
 namespace {
 
-// ⟨name, iconv's name, lead bytes, trail bytes, direct block, blocks in rows, shifts, substitute, kana⟩
+// ⟨name, iconv's name, lead bytes, trail bytes, direct block, blocks in rows, shifts, substitute, hole, kana⟩
 const DbcsRecipe kRecipes[] = {
     {"SHIFT-JIS",
      "CP932",
@@ -23,6 +23,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      2,
      0x81AC,
+     0xFFFF,
      true},
     {"EUCJIS",
      "EUC-JP-MS",
@@ -33,6 +34,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      2,
      0xA2AE,
+     0,
      false},
     {"KSC5601",
      "EUC-KR",
@@ -43,6 +45,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      2,
      0x3F,
+     0xFFFF,
      false},
     {"BIG-5",
      "CP950",
@@ -53,6 +56,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      2,
      0x3F,
+     0,
      false},
     {"GB2312",
      "EUC-CN",
@@ -63,6 +67,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      3,
      0x3F,
+     0xFFFF,
      false},
     {"CP949",
      "UHC",
@@ -73,6 +78,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      1,
      0x3F,
+     0,
      false},
     {"CP936",
      "GBK",
@@ -83,6 +89,7 @@ const DbcsRecipe kRecipes[] = {
      2,
      1,
      0x3F,
+     0xFFFF,
      false},
     {"CP950-HKSCS",
      "BIG5-HKSCS",
@@ -93,6 +100,7 @@ const DbcsRecipe kRecipes[] = {
      3,
      1,
      0x3F,
+     0,
      false},
 };
 
@@ -250,7 +258,7 @@ void packThird(PackedDbcs& packed, const DbcsRecipe& recipe) {
     map.ucsMin = recipe.directBlock.first, map.ucsMax = recipe.directBlock.last;
     for (uint32_t ucs = map.ucsMin; ucs <= map.ucsMax; ++ucs) {
         const auto found = packed.fromUnicode.find(ucs);
-        const uint32_t cjis = found == packed.fromUnicode.end() ? 0 : gridNumber(map, found->second);
+        const uint32_t cjis = found == packed.fromUnicode.end() ? recipe.hole : gridNumber(map, found->second);
         packed.arrays[2][2].push_back(static_cast<uint16_t>(cjis));
     }
 }

@@ -30,7 +30,8 @@ struct DbcsRecipe {
     std::vector<Span16> rowBlocks;  // up to five, in the order of Unicode
     uint16_t rowShift, valueShift;
     uint16_t substitute;
-    bool kana;  // a second map of half-width kana: single bytes 0xA1 to 0xDF
+    uint16_t hole;  // what stands in the dense block for a code point without a code: 0 or 0xFFFF
+    bool kana;      // a second map of half-width kana: single bytes 0xA1 to 0xDF
 };
 
 // The recipe of a name below; ends the program for any other.
