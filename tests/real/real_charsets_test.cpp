@@ -118,8 +118,8 @@ TEST(Peers, EveryCharsetHasOne) {
     }
 }
 
-// A code comes back, or the code of the same character that was preferred does. A code point that is sent to the code of
-// another is lent it; of single-byte charsets it is told above which.
+// A code comes back, or the code of the same character that was preferred does. A code point that is sent to the code
+// of another is lent it; of single-byte charsets it is told above which.
 TEST(Charsets, ThereAndBack) {
     for (const std::string& name : RealFile::shared().legacyCharsets()) {
         const CharsetModel& charset = CharsetModel::of(name);

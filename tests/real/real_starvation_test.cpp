@@ -113,8 +113,8 @@ TEST(RealStarvation, WhatIsMissingIsMissing) {
     EXPECT_EQ(made, nullptr);
 }
 
-// One read after the other comes back short while a conversion is made, or a byte too long. The record of the conversion
-// itself is told as 21; its maps, and the record of another table that it needs, as 8.
+// One read after the other comes back short while a conversion is made, or a byte too long. The record of the
+// conversion itself is told as 21; its maps, and the record of another table that it needs, as 8.
 void expectEachReadMadeUpFor(const std::string& from, const std::string& to, int test::MemoryFile::*fault) {
     for (int read = 0;; ++read) {
         OpenHandle open(dataFile(), 400000);

@@ -1,5 +1,5 @@
-// The eleven multi-byte charsets as they are described in data/charsets: their figures. What their characters are is held
-// beside published converters by tests/real.
+// The eleven multi-byte charsets as they are described in data/charsets: their figures. What their characters are is
+// held beside published converters by tests/real.
 #include <gtest/gtest.h>
 
 #include <array>
