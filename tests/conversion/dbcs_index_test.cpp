@@ -114,7 +114,7 @@ TEST(DbcsIndex, DoubtfulTablesArentCovered) {
         bool ascii, pairs, codes;
     } const rows[] = {
         {"sound", [](PackedDbcs&) {}, true, true, true},
-        {"ASCII has a trail byte", [](PackedDbcs& p) { p.attrib.lengthMap['a'] = 1; }, false, true, true},
+        {"ASCII has a trail byte", [](PackedDbcs& p) { p.attrib.lengthMap[0x61] = 1; }, false, true, true},
         {"a map holds ASCII", [](PackedDbcs& p) { p.table().maps[2].ucsMin = 0x40; }, false, true, true},
         {"a lead byte of three bytes", [](PackedDbcs& p) { p.attrib.lengthMap[0xB0] = 2; }, true, true, true},
         {"lead bytes in three ranges", [](PackedDbcs& p) { p.attrib.lengthMap[0xB0] = p.attrib.lengthMap[0xC0] = 0; },
