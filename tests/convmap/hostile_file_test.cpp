@@ -121,7 +121,8 @@ TEST(HostileFile, RandomDamage) {
         for (unsigned i = 0; i < 1 + random() % 6; ++i) {
             const FieldPlace& field = places[random() % places.size()];
             const std::size_t place = field.offset + random() % field.width;
-            file[place] = static_cast<unsigned char>(field.text ? "0123456789- x"[random() % 13] : random() % 256);
+            const auto letter = static_cast<unsigned char>("0123456789- x"[random() % 13]);
+            file[place] = field.text ? letter : static_cast<unsigned char>(random() % 256);
         }
         makeAll(file);
     }
