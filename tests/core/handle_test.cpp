@@ -52,7 +52,7 @@ TEST(Handle, LeavesTheOutArgumentAloneWhenTheFileIsRefused) {
     const Bytes good = smallWorld().build();
     const auto with = [&](std::size_t place, const char* text) {
         Bytes bytes = good;
-        std::memcpy(bytes.data() + place, text, std::strlen(text));
+        for (const char digit : std::string_view(text)) bytes[place++] = static_cast<unsigned char>(digit);
         return bytes;
     };
     const struct {
