@@ -9,16 +9,6 @@ namespace nls {
 
 namespace {
 
-// What has come of a walk so far: a substitute is remembered, and told at the end unless a failure takes its place.
-class Outcome {
-public:
-    void note(bool substituted) { substituted_ |= substituted; }
-    nlsStatus atEnd() const { return substituted_ ? NLS_CONV_SUBST : NLS_OK; }
-
-private:
-    bool substituted_ = false;
-};
-
 // Reads one character of the charset as the code by which it is looked up: its last two bytes. A NUL ends it and stays
 // unread; characters of five bytes and more read as "?".
 uint16_t readCharsetCode(ByteReader& source, const DbcsTable& table) {
@@ -40,129 +30,129 @@ bool putCode(ByteWriter& target, uint16_t code) {
     return target.put(static_cast<unsigned char>(code));
 }
 
-// Takes runs wherever the index covers the text. Where a run has found nothing, the exact walk has the next characters
-// to itself, so that text of strangers isn't tried at each of them.
-class Runs {
-public:
-    Runs(const DbcsTable& table, const DbcsIndex* index, RunConverter converter)
-        : table_(table), index_(index), converter_(converter) {}
-
-    void take(ByteReader& source, ByteWriter& target) {
-        if (index_ == nullptr) return;
-        if (waiting_ != 0) {
-            --waiting_;
-            return;
-        }
-        const Run run = converter_(table_, *index_, {source.place(), source.left()}, {target.place(), target.room()});
-        source.skip(run.consumed);
-        target.advance(run.written);
-        if (run.consumed == 0) waiting_ = kCharactersAlone;
-    }
-
-private:
-    static constexpr unsigned kCharactersAlone = 4;
-
-    const DbcsTable& table_;
-    const DbcsIndex* index_;
-    RunConverter converter_;
-    unsigned waiting_ = 0;
+// What has come of one character.
+struct Step {
+    nlsStatus status;
+    bool substituted;  // a substitute stands for it, which is told at the end unless a failure takes its place
 };
 
-Converted result(nlsStatus status, const ByteWriter& target) {
-    return {status, static_cast<uint32_t>(target.written())};
-}
+// Each bridge converts a run through the index of the table, and one character exactly.
 
-// The whole walk: runs, and the characters between them exactly. `done` is what the first run has done already.
-Converted walkToUtf8(const DbcsTable& table, const DbcsIndex* index, ByteView source, ByteSpan target, Run done) {
-    ByteReader reader{source.subspan(done.consumed)};
-    ByteWriter writer{target};
-    writer.advance(done.written);
-    Outcome outcome;
-    Runs runs{table, index, runToUtf8};
-    while (!reader.atEnd()) {
-        const auto [ucs, substituted] = findUnicode(table, readCharsetCode(reader, table));
-        outcome.note(substituted);
-        if (isSurrogate(ucs)) return {writer.put('?') ? NLS_INVALID_STRING : NLS_BUF_SMALL, 0};
-        if (!putUtf8(writer, ucs < kUtf8ValueEnd ? ucs : kReplacementCharacter)) return {NLS_BUF_SMALL, 0};
-        runs.take(reader, writer);
+struct ToUtf8 {
+    Run run(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target) const {
+        return runToUtf8(table, index, source, target);
     }
-    return result(outcome.atEnd(), writer);
-}
+    Step character(const DbcsTable& table, ByteReader& source, ByteWriter& target) const {
+        const auto [ucs, substituted] = findUnicode(table, readCharsetCode(source, table));
+        if (isSurrogate(ucs)) return {target.put('?') ? NLS_INVALID_STRING : NLS_BUF_SMALL, false};
+        const bool fits = putUtf8(target, ucs < kUtf8ValueEnd ? ucs : kReplacementCharacter);
+        return {fits ? NLS_OK : NLS_BUF_SMALL, substituted};
+    }
+    static constexpr bool kCountsAfterFailure = false;
+};
 
-Converted walkFromUtf8(const DbcsTable& table, const DbcsIndex* index, ByteView source, ByteSpan target, Run done) {
-    ByteReader reader{source.subspan(done.consumed)};
-    ByteWriter writer{target};
-    writer.advance(done.written);
-    Outcome outcome;
-    Runs runs{table, index, runFromUtf8};
-    while (!reader.atEnd()) {
-        const auto [value, length] = decodeUtf8(reader.place(), reader.left(), bytesFromUtf8(reader.peek()));
-        if (length == 0) return result(NLS_BAD_ARG, writer);
-        reader.skip(length);
+struct ToUtf16 {
+    bool swap;
+
+    Run run(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target) const {
+        return runToUtf16(table, index, swap, source, target);
+    }
+    Step character(const DbcsTable& table, ByteReader& source, ByteWriter& target) const {
+        const auto [ucs, substituted] = findUnicode(table, readCharsetCode(source, table));
+        return {putUtf16(target, ucs, swap) ? NLS_OK : NLS_BUF_SMALL, substituted};
+    }
+    static constexpr bool kCountsAfterFailure = true;
+};
+
+struct FromUtf8 {
+    Run run(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target) const {
+        return runFromUtf8(table, index, source, target);
+    }
+    Step character(const DbcsTable& table, ByteReader& source, ByteWriter& target) const {
+        const auto [value, length] = decodeUtf8(source.place(), source.left(), bytesFromUtf8(source.peek()));
+        if (length == 0) return {NLS_BAD_ARG, false};
+        source.skip(length);
         const uint32_t ucs = value > kLastCodePoint ? kReplacementCharacter : value;
         const auto [code, substituted] = ucs == 0 ? FoundCode{0, false} : findCode(table, ucs);
-        outcome.note(substituted);
-        if (!putCode(writer, code)) return result(NLS_BUF_SMALL, writer);
-        runs.take(reader, writer);
+        return {putCode(target, code) ? NLS_OK : NLS_BUF_SMALL, substituted};
     }
-    return result(outcome.atEnd(), writer);
+    static constexpr bool kCountsAfterFailure = true;
+};
+
+struct FromUtf16 {
+    bool swap;
+
+    Run run(const DbcsTable& table, const DbcsIndex& index, ByteView units, ByteSpan target) const {
+        return runFromUtf16(table, index, swap, units, target);
+    }
+    Step character(const DbcsTable& table, ByteReader& units, ByteWriter& target) const {
+        const auto [code, substituted] = findCode(table, readUtf16(units, swap));
+        return {putCode(target, code) ? NLS_OK : NLS_BUF_SMALL, substituted};
+    }
+    static constexpr bool kCountsAfterFailure = true;
+};
+
+// Runs, and the characters between them exactly; `done` is what the first run has done already. Where a run has found
+// nothing, the next characters go alone, so that text of strangers isn't tried at each of them.
+template <typename Bridge>
+Converted walk(const Bridge& bridge, const DbcsTable& table, const DbcsIndex* index, ByteView source, ByteSpan target,
+               Run done) {
+    constexpr unsigned kCharactersAlone = 4;
+    ByteReader reader{source.subspan(done.consumed)};
+    ByteWriter writer{target};
+    writer.advance(done.written);
+    bool substituted = false;
+    for (unsigned alone = 1; !reader.atEnd(); --alone) {
+        const Step step = bridge.character(table, reader, writer);
+        if (step.status != NLS_OK)
+            return {step.status, Bridge::kCountsAfterFailure ? static_cast<uint32_t>(writer.written()) : 0};
+        substituted |= step.substituted;
+        if (index == nullptr || alone > 1) continue;
+        const Run run = bridge.run(table, *index, {reader.place(), reader.left()}, {writer.place(), writer.room()});
+        reader.skip(run.consumed);
+        writer.advance(run.written);
+        alone = run.consumed == 0 ? kCharactersAlone + 1 : 2;
+    }
+    return {substituted ? NLS_CONV_SUBST : NLS_OK, static_cast<uint32_t>(writer.written())};
 }
 
-using Walk = Converted (*)(const DbcsTable&, const DbcsIndex*, ByteView, ByteSpan, Run);
-
 // Without an index in the table a long text makes one on the stack.
-[[gnu::noinline]] Converted walkWithOwnIndex(Walk walk, const DbcsTable& table, ByteView source, ByteSpan target) {
+template <typename Bridge>
+[[gnu::noinline]] Converted walkWithoutIndex(const Bridge& bridge, const DbcsTable& table, ByteView source,
+                                             ByteSpan target) {
+    constexpr std::size_t kWorthAnIndex = 32768;
+    if (source.size() < kWorthAnIndex) return walk(bridge, table, nullptr, source, target, {0, 0});
     DbcsIndex index;
     buildDbcsIndex(table, DbcsIndex::kPageCount, index);
-    return walk(table, &index, source, target, {0, 0});
+    return walk(bridge, table, &index, source, target, {0, 0});
 }
 
 // Most texts are one run from end to end.
-[[gnu::always_inline]] inline Converted convertText(RunConverter converter, Walk walk, const DbcsTable& table,
-                                                    ByteView source, ByteSpan target) {
-    constexpr std::size_t kWorthAnIndex = 32768;
+template <typename Bridge>
+Converted convertText(const Bridge& bridge, const DbcsTable& table, ByteView source, ByteSpan target) {
     const DbcsIndex* const index = dbcsIndexOf(table);
-    if (index == nullptr) {
-        return source.size() < kWorthAnIndex ? walk(table, nullptr, source, target, {0, 0})
-                                             : walkWithOwnIndex(walk, table, source, target);
-    }
-    const Run run = converter(table, *index, source, target);
+    if (index == nullptr) return walkWithoutIndex(bridge, table, source, target);
+    const Run run = bridge.run(table, *index, source, target);
     if (run.consumed == source.size()) return {NLS_OK, static_cast<uint32_t>(run.written)};
-    return walk(table, index, source, target, run);
+    return walk(bridge, table, index, source, target, run);
 }
 
 }  // namespace
 
 Converted dbcsToUtf8(const DbcsTable& table, ByteView source, ByteSpan target) {
-    return convertText(runToUtf8, walkToUtf8, table, source, target);
+    return convertText(ToUtf8{}, table, source, target);
 }
 
 Converted dbcsToUtf16(const DbcsTable& table, bool swapTarget, ByteView source, ByteSpan target) {
-    ByteReader reader{source};
-    ByteWriter writer{target};
-    Outcome outcome;
-    while (!reader.atEnd()) {
-        const auto [ucs, substituted] = findUnicode(table, readCharsetCode(reader, table));
-        outcome.note(substituted);
-        if (!putUtf16(writer, ucs, swapTarget)) return result(NLS_BUF_SMALL, writer);
-    }
-    return result(outcome.atEnd(), writer);
+    return convertText(ToUtf16{swapTarget}, table, source, target);
 }
 
 Converted utf8ToDbcs(const DbcsTable& table, ByteView source, ByteSpan target) {
-    return convertText(runFromUtf8, walkFromUtf8, table, source, target);
+    return convertText(FromUtf8{}, table, source, target);
 }
 
 Converted utf16ToDbcs(const DbcsTable& table, bool swapSource, ByteView units, ByteSpan target) {
-    ByteReader reader{units.first(units.size() / 2 * 2)};
-    ByteWriter writer{target};
-    Outcome outcome;
-    while (!reader.atEnd()) {
-        const auto [code, substituted] = findCode(table, readUtf16(reader, swapSource));
-        outcome.note(substituted);
-        if (!putCode(writer, code)) return result(NLS_BUF_SMALL, writer);
-    }
-    return result(outcome.atEnd(), writer);
+    return convertText(FromUtf16{swapSource}, table, units.first(units.size() / 2 * 2), target);
 }
 
 }  // namespace nls

@@ -1,5 +1,6 @@
 #include "conversion/dbcs_runs.hpp"
 
+#include <algorithm>
 #include <bit>
 
 #include "conversion/cjis_grid.hpp"
@@ -12,10 +13,11 @@ const LaneConstants kLane{};
 
 namespace {
 
-// The number of a pair in the grid; numberCount or more where it has none.
+// The Cjis code of a pair by its place in the grid; numberCount or more where it has none.
 inline uint32_t numberOf(const DbcsIndex& index, uint8_t first, uint8_t second) {
-    const uint32_t column = index.columnOf[second];
-    return column == DbcsIndex::kNoColumn ? DbcsIndex::kNoRow : index.rowStart[first - 0x80] + column;
+    const uint32_t row = index.rowOf[first - 0x80], column = index.columnOf[second];
+    if (row == DbcsIndex::kNoRow || column == DbcsIndex::kNoColumn) return 0xFFFFFFFF;
+    return index.firstNumber + row * index.columns + column;
 }
 
 // `value` if the difference is negative, else 0; without a branch, which half of the characters would take.
@@ -32,11 +34,10 @@ inline uint32_t codeInPages(const DbcsIndex& index, uint32_t ucs) {
 
 // The same for a place in the grid, which always has two bytes.
 inline uint32_t codeOfPlace(const DbcsIndex& index, uint32_t place) {
-    const AxisBack &leads = index.leadsBack, &trails = index.trailsBack;
     const uint32_t row = divideBy(index.reciprocal, static_cast<uint16_t>(place));
     const uint32_t column = place - row * index.columns;
-    const uint32_t trail = column + trails.offset + ifNegative(trails.split - column, trails.delta);
-    return (trail << 8) + row + leads.offset + ifNegative(leads.split - row, leads.delta);
+    const uint32_t gap = ifNegative(index.trailsBack.split - column, index.trailsBack.delta);
+    return index.rowCode[row] + ((column + gap) << 8);
 }
 
 // The places of a run in source and target.
@@ -50,6 +51,10 @@ public:
 
     bool has(std::ptrdiff_t bytes, std::ptrdiff_t room) const {
         return fromEnd_ - from_ >= bytes && toEnd_ - to_ >= room;
+    }
+    // Characters for which there is both, of three bytes going to two.
+    std::size_t triples() const {
+        return std::min(static_cast<std::size_t>(fromEnd_ - from_) / 3, static_cast<std::size_t>(toEnd_ - to_) / 2);
     }
     const unsigned char* from() const { return from_; }
     unsigned char* to() const { return to_; }
@@ -111,32 +116,76 @@ Run runToUtf8Plain(const DbcsTable& table, const DbcsIndex& index, ByteView sour
     return places.reached(source, target);
 }
 
+// The code of a code point as it stands in text; 0, or one byte, where there is none of two bytes.
+static inline uint32_t codeOf(const DbcsIndex& index, const uint16_t* cells, uint32_t ucs) {
+    const uint32_t direct = ucs - index.directFirst;
+    if (direct >= index.directCount) return codeInPages(index, ucs);
+    const uint32_t place = cells[direct] - 1U;
+    return place < index.placeEnd ? codeOfPlace(index, place) : 0;
+}
+
+// Characters of three bytes, `count` at most; up to the first that isn't covered. False if there was one.
+static bool convertTriples(const DbcsIndex& index, const uint16_t* cells, std::size_t count, Places& places) {
+    for (; count != 0; --count) {
+        const unsigned char* const from = places.from();
+        if ((from[0] & 0xF0) != 0xE0) return from[0] < 0x80;
+        const uint32_t code = codeOf(index, cells, decodeUtf8(from, 2));
+        if (code <= 0xFF) return false;
+        storeWord(places.to(), static_cast<uint16_t>(code));
+        places.advance(3, 2);
+    }
+    return true;
+}
+
 Run runFromUtf8Plain(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target, Run run) {
     const uint16_t* const cells = table.maps[2].ucsCells;
     Places places{source, target, run};
     if (!index.asciiPasses || !index.codesInBlock) return run;
     while (places.has(3, 2)) {
-        const unsigned char* const from = places.from();
-        if (from[0] < 0x80) {
+        if (places.from()[0] < 0x80) {
             places.copyAscii();
-            continue;
+        } else if (!convertTriples(index, cells, places.triples(), places)) {
+            break;
         }
-        if (bytesFromUtf8(from[0]) != 2) break;
-        const uint32_t ucs = decodeUtf8(from, 2), direct = ucs - index.directFirst;
-        uint32_t code;
-        if (direct < index.directCount) {
-            const uint32_t place = cells[direct] - 1U;
-            if (place >= index.placeEnd) break;
-            code = codeOfPlace(index, place);
-        } else {
-            code = codeInPages(index, ucs);
-            if (code <= 0xFF) break;
-        }
-        storeWord(places.to(), static_cast<uint16_t>(code));
-        places.advance(3, 2);
     }
     places.copyLastAscii();
     return places.reached(source, target);
+}
+
+Run runToUtf16(const DbcsTable& table, const DbcsIndex& index, bool swap, ByteView source, ByteSpan target) {
+    const uint16_t* const array = table.maps[2].cjisToUcs;
+    Places places{source, target, {0, 0}};
+    if (!index.asciiPasses || !index.pairsInGrid) return {0, 0};
+    while (places.has(1, 2)) {
+        const unsigned char* const from = places.from();
+        const bool ascii = from[0] < 0x80;
+        uint32_t unit = from[0];
+        if (!ascii) {
+            if (!places.has(2, 2)) break;
+            const uint32_t number = numberOf(index, from[0], from[1]);
+            if (number >= index.numberCount) break;
+            unit = array[number];
+            if (unit >= kReplacementCharacter) break;
+        }
+        storeUnit(places.to(), static_cast<uint16_t>(unit), swap);
+        places.advance(ascii ? 1 : 2, 2);
+    }
+    return places.reached(source, target);
+}
+
+Run runFromUtf16(const DbcsTable& table, const DbcsIndex& index, bool swap, ByteView units, ByteSpan target) {
+    const uint16_t* const cells = table.maps[2].ucsCells;
+    Places places{units, target, {0, 0}};
+    if (!index.asciiPasses || !index.codesInBlock) return {0, 0};
+    while (places.has(2, 2)) {
+        const uint32_t unit = loadUnit<uint16_t>(places.from(), swap);
+        const bool ascii = unit < 0x80;
+        const uint32_t code = ascii ? unit : codeOf(index, cells, unit);
+        if (!ascii && code <= 0xFF) break;
+        storeWord(places.to(), static_cast<uint16_t>(code));
+        places.advance(2, ascii ? 1 : 2);
+    }
+    return places.reached(units, target);
 }
 
 }  // namespace nls

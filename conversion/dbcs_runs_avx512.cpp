@@ -25,8 +25,8 @@ namespace {
 #define NLS_WIDE [[gnu::always_inline]] NLS_TARGET_AVX512 inline
 
 constexpr unsigned kLanes = 16;
-constexpr std::size_t kBlock = 64;    // bytes
-constexpr std::ptrdiff_t kRest = 24;  // fewer bytes aren't worth a block
+constexpr std::size_t kBlock = 64;   // bytes
+constexpr std::ptrdiff_t kRest = 8;  // fewer bytes aren't worth a block
 
 NLS_WIDE __m512i all(uint32_t value) {
     return _mm512_set1_epi32(static_cast<int>(value));

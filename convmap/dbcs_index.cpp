@@ -101,13 +101,11 @@ bool isOn(const GridAxis& axis, uint32_t byte, uint32_t& place) {
     return false;
 }
 
-// A row that begins below the first Cjis code, or beyond 16 bits, isn't told.
-void fillRows(const nlsUcs2Map& map, const GridAxis& leads, uint16_t (&rowStart)[128]) {
+void fillRows(const GridAxis& leads, uint8_t (&rowOf)[DbcsIndex::kRowCount]) {
     for (uint32_t lead = 0x80; lead < 256; ++lead) {
         uint32_t row = 0;
-        const bool known = isOn(leads, lead, row);
-        const uint32_t start = 1U - map.cjisBase + row * map.trailsPerRow;
-        rowStart[lead - 0x80] = known && start < DbcsIndex::kNoRow ? static_cast<uint16_t>(start) : DbcsIndex::kNoRow;
+        const bool known = isOn(leads, lead, row) && row < DbcsIndex::kNoRow;
+        rowOf[lead - 0x80] = known ? static_cast<uint8_t>(row) : DbcsIndex::kNoRow;
     }
 }
 
@@ -136,10 +134,11 @@ void findWayForth(const DbcsTable& table, DbcsIndex& index) {
     index.leadBytes = combined(leads.axis, leads.axis, inAllBytes);
     index.trailBytes = combined(trails.axis, trails.axis, inAllBytes);
     index.pairWords = combined(leads.axis, trails.axis, inWords);
+    index.columns = third.trailsPerRow;
     index.pairWeights = inWords(third.trailsPerRow, 1);
     index.firstNumber = 1U - third.cjisBase;
     index.numberCount = third.cjisCount - 1U;
-    fillRows(third, leads.axis, index.rowStart);
+    fillRows(leads.axis, index.rowOf);
     fillColumns(trails.axis, index.columnOf);
     index.pairsInGrid = leads.fits && trails.fits;
 }
@@ -168,7 +167,7 @@ uint32_t findRows(const nlsUcs2Map& map, AxisBack& axis) {
         return static_cast<uint8_t>(squeezed + (squeezed > map.leadLast1 ? map.leadGap : 0));
     };
     uint32_t rows = 0;
-    while (rows < 256 && leadOf(rows) != 0 && leadOf(rows) != 0xFF) ++rows;
+    while (rows < DbcsIndex::kRowCount && leadOf(rows) != 0 && leadOf(rows) != 0xFF) ++rows;
     return rows == 0 ? 0 : findAxisBack(axis, rows, leadOf);
 }
 
@@ -197,6 +196,10 @@ void findWayBack(const DbcsTable& table, DbcsIndex& index) {
     constexpr uint32_t kPlaceLimit = 0x8000;
     const uint32_t placeEnd = std::min(rows * columns, kPlaceLimit);
     if (rows == 0 || !findColumns(third, index.trailsBack) || !allBelow(third, count, placeEnd)) return;
+    for (uint32_t row = 0; row < rows; ++row) {
+        const uint32_t code = gridCode(third, static_cast<uint16_t>(row * columns + 1));
+        index.rowCode[row] = static_cast<uint16_t>(code << 8 | code >> 8);
+    }
     index.columns = columns;
     index.directFirst = third.ucsMin;
     index.directCount = count - 1;

@@ -42,29 +42,31 @@ struct AxisBack {
 
 struct DbcsIndex {
     static constexpr unsigned kPageCount = 3, kPageSize = 256;
-    static constexpr uint16_t kNoRow = 0xFFFF;
+    static constexpr uint32_t kRowCount = 128;
+    static constexpr uint8_t kNoRow = 0xFF;
     static constexpr uint8_t kNoColumn = 0xFF;
     static constexpr uint32_t kNoKey = 0xFFFFFFFF;
 
     bool asciiPasses;   // 0 to 0x7F are one byte each, caught by no map in either direction
     bool pairsInGrid;   // two-byte characters by the third map's grid: leadBytes to columnOf
-    bool codesInBlock;  // code points by the third map's dense block: columns to trailsBack
+    bool codesInBlock;  // code points by the third map's dense block: directFirst to rowCode
     uint8_t pageCount;
 
+    uint32_t columns;                // trail bytes in a row, for both ways
     GridAxis leadBytes, trailBytes;  // of two-byte characters; no NUL is a trail. The same in all bytes of a word
     GridAxis pairWords;              // leads in the low half, trails in the high half
     uint32_t pairWeights;            // what a place counts for in a number: a row in the low half, 1 in the high half
     uint32_t firstNumber;            // Cjis code of the first place of the grid
     uint32_t numberCount;            // Cjis codes below it have an entry, and there is one behind
-    uint16_t rowStart[128];          // by lead byte less 0x80: the Cjis code of its row's first place; or kNoRow
+    uint8_t rowOf[kRowCount];        // by lead byte less 0x80; or kNoRow
     uint8_t columnOf[256];           // by trail byte; or kNoColumn
 
-    uint32_t columns;                   // trail bytes in a row
     uint32_t directFirst, directCount;  // code points from directFirst on that have a cell, with another one behind
     uint32_t placeEnd;                  // a cell less 1 is a place below it, or the code point isn't mapped
     uint32_t reciprocal;                // of `columns`, as divideBy takes it (conversion/cjis_grid.hpp)
     uint32_t rowFactor, rowShift;  // the same for 16 bits: the row of a place is (place * rowFactor >> 16) >> rowShift
     AxisBack leadsBack, trailsBack;
+    uint16_t rowCode[kRowCount];  // the code of each row's first place, as it stands in text: the first byte low
 
     uint32_t pageKeys[kPageCount];  // the upper byte of each page's code points; kNoKey where there is no page
     // The codes that the maps answer, as they stand in text: the first byte low, no second byte for one-byte codes.
@@ -78,7 +80,7 @@ constexpr std::size_t bytesOfIndex(unsigned pageCount) {
     return offsetof(DbcsIndex, pages) + pageCount * sizeof(uint16_t) * DbcsIndex::kPageSize +
            sizeof(DbcsIndex::behindPages);
 }
-static_assert(bytesOfIndex(DbcsIndex::kPageCount) <= 2304);
+static_assert(bytesOfIndex(DbcsIndex::kPageCount) <= 2352);
 
 // Fills an index for the table, with at most `pageCount` pages. Reads the table alone.
 void buildDbcsIndex(const DbcsTable& table, unsigned pageCount, DbcsIndex& index);

@@ -30,9 +30,9 @@ nlsStatus loadArrays(const LoadContext& context, nlsUcs2Map& map) {
     return loadArray(context, map.cellsOffset, map.ucsCellCount, map.ucsCells);
 }
 
-// What an optional index leaves in the arena: the table of the opposite direction, and room for the conversions and the
-// locales that a caller makes next.
-constexpr uint32_t kBytesKeptFree = 1024;
+// What an optional index leaves in the arena: room for the table of the opposite direction (504 bytes), and for a locale
+// with an attribute table, a collation, a case table and a conversion (2,100 bytes) that a caller may make next.
+constexpr uint32_t kBytesKeptFree = 3072;
 
 bool leadsToUnicode(ConvType type) {
     return type == ConvType::dbcsToUtf8 || type == ConvType::dbcsToUtf8Long || type == ConvType::dbcsToUtf8Longest;

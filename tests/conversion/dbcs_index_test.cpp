@@ -21,9 +21,10 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Dbcs, RealIndex, ::testing::ValuesIn(dbcsRecipeNames()));
 
 uint32_t numberByIndex(const DbcsIndex& index, uint32_t code) {
-    const uint32_t lead = code >> 8, row = lead < 0x80 ? DbcsIndex::kNoRow : index.rowStart[lead - 0x80];
+    const uint32_t lead = code >> 8, row = lead < 0x80 ? DbcsIndex::kNoRow : index.rowOf[lead - 0x80];
     const uint32_t column = index.columnOf[code & 0xFF];
-    return row == DbcsIndex::kNoRow || column == DbcsIndex::kNoColumn ? kNoMapping : row + column;
+    if (row == DbcsIndex::kNoRow || column == DbcsIndex::kNoColumn) return kNoMapping;
+    return index.firstNumber + row * index.columns + column;
 }
 
 TEST_P(RealIndex, SaysWhatTheSearchSays) {
