@@ -1,7 +1,6 @@
 #include "conversion/dbcs_runs.hpp"
 
 #include <algorithm>
-#include <bit>
 
 #include "conversion/cjis_grid.hpp"
 #include "conversion/dbcs_lane_constants.hpp"
@@ -66,23 +65,22 @@ public:
         return {static_cast<std::size_t>(from_ - source.data()), static_cast<std::size_t>(to_ - target.data())};
     }
 
-    // ASCII from the front on, up to eight bytes of it. REQUIRES: there is a byte and room for it, and it is ASCII.
+    // ASCII at the front: eight bytes of it, or one. REQUIRES: there is a byte and room for it, and it is ASCII.
     void copyAscii() {
-        std::size_t count = 1;
         if (has(8, 8)) {
             const auto bytes = loadWord<uint64_t>(from_);
-            const uint64_t high = bytes & 0x8080808080808080;
-            storeWord(to_, bytes);
-            count = high == 0 ? 8 : static_cast<std::size_t>(std::countr_zero(high)) / 8;
-        } else {
-            *to_ = *from_;
+            if ((bytes & 0x8080808080808080) == 0) {
+                storeWord(to_, bytes);
+                return advance(8, 8);
+            }
         }
-        advance(count, count);
+        *to_ = *from_;
+        advance(1, 1);
     }
 
     // ASCII at the front of what is left, when that is too little for anything else.
     void copyLastAscii() {
-        while (has(1, 1) && !has(3, 4) && *from_ < 0x80) {
+        while (has(1, 1) && !has(3, 3) && *from_ < 0x80) {
             *to_ = *from_;
             advance(1, 1);
         }
@@ -93,31 +91,8 @@ private:
     unsigned char *to_, *toEnd_;
 };
 
-}  // namespace
-
-Run runToUtf8Plain(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target, Run run) {
-    const uint16_t* const units = table.maps[2].cjisToUcs;
-    Places places{source, target, run};
-    if (!index.asciiPasses || !index.pairsInGrid) return run;
-    while (places.has(2, 4)) {
-        const unsigned char* const from = places.from();
-        if (from[0] < 0x80) {
-            places.copyAscii();
-            continue;
-        }
-        const uint32_t number = numberOf(index, from[0], from[1]);
-        if (number >= index.numberCount) break;
-        const uint32_t unit = units[number];
-        if (unit - 0x800 >= 0xFFFD - 0x800) break;
-        storeWord<uint32_t>(places.to(), 0x8080E0 | unit >> 12 | (unit << 2 & 0x3F00) | (unit & 0x3F) << 16);
-        places.advance(2, 3);
-    }
-    places.copyLastAscii();
-    return places.reached(source, target);
-}
-
 // The code of a code point as it stands in text; 0, or one byte, where there is none of two bytes.
-static inline uint32_t codeOf(const DbcsIndex& index, const uint16_t* cells, uint32_t ucs) {
+inline uint32_t codeOf(const DbcsIndex& index, const uint16_t* cells, uint32_t ucs) {
     const uint32_t direct = ucs - index.directFirst;
     if (direct >= index.directCount) return codeInPages(index, ucs);
     const uint32_t place = cells[direct] - 1U;
@@ -125,7 +100,7 @@ static inline uint32_t codeOf(const DbcsIndex& index, const uint16_t* cells, uin
 }
 
 // Characters of three bytes, `count` at most; up to the first that isn't covered. False if there was one.
-static bool convertTriples(const DbcsIndex& index, const uint16_t* cells, std::size_t count, Places& places) {
+bool convertTriples(const DbcsIndex& index, const uint16_t* cells, std::size_t count, Places& places) {
     for (; count != 0; --count) {
         const unsigned char* const from = places.from();
         if ((from[0] & 0xF0) != 0xE0) return from[0] < 0x80;
@@ -135,6 +110,30 @@ static bool convertTriples(const DbcsIndex& index, const uint16_t* cells, std::s
         places.advance(3, 2);
     }
     return true;
+}
+
+}  // namespace
+
+Run runToUtf8Plain(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target, Run run) {
+    const uint16_t* const units = table.maps[2].cjisToUcs;
+    Places places{source, target, run};
+    if (!index.asciiPasses || !index.pairsInGrid) return run;
+    while (places.has(2, 3)) {
+        const unsigned char* const from = places.from();
+        if (from[0] < 0x80) {
+            places.copyAscii();
+            continue;
+        }
+        const uint32_t number = numberOf(index, from[0], from[1]);
+        if (number >= index.numberCount) break;
+        const uint32_t unit = units[number];
+        if (unit - 0x800 >= 0xFFFD - 0x800) break;
+        storeWord(places.to(), static_cast<uint16_t>(0x80E0 | unit >> 12 | (unit << 2 & 0x3F00)));
+        places.to()[2] = static_cast<unsigned char>(0x80 | (unit & 0x3F));
+        places.advance(2, 3);
+    }
+    places.copyLastAscii();
+    return places.reached(source, target);
 }
 
 Run runFromUtf8Plain(const DbcsTable& table, const DbcsIndex& index, ByteView source, ByteSpan target, Run run) {
@@ -179,11 +178,15 @@ Run runFromUtf16(const DbcsTable& table, const DbcsIndex& index, bool swap, Byte
     if (!index.asciiPasses || !index.codesInBlock) return {0, 0};
     while (places.has(2, 2)) {
         const uint32_t unit = loadUnit<uint16_t>(places.from(), swap);
-        const bool ascii = unit < 0x80;
-        const uint32_t code = ascii ? unit : codeOf(index, cells, unit);
-        if (!ascii && code <= 0xFF) break;
+        if (unit < 0x80) {
+            *places.to() = static_cast<unsigned char>(unit);
+            places.advance(2, 1);
+            continue;
+        }
+        const uint32_t code = codeOf(index, cells, unit);
+        if (code <= 0xFF) break;
         storeWord(places.to(), static_cast<uint16_t>(code));
-        places.advance(2, ascii ? 1 : 2);
+        places.advance(2, 2);
     }
     return places.reached(units, target);
 }

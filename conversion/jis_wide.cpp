@@ -115,14 +115,19 @@ Block convertBlock(Bytes bytes, std::size_t size) {
     return {result, static_cast<std::size_t>(std::countr_zero(kana | cutOff | end)), kana != 0};
 }
 
+void storeFront(unsigned char* target, Bytes bytes, std::size_t count) {
+    unsigned char room[kBlock];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(room), bytes);
+    std::memcpy(target, room, count);
+}
+
 // A part of a block, by way of memory of its own.
 template <typename Rule>
 std::size_t convertRest(ByteView source, ByteSpan target) {
     unsigned char room[kBlock] = {};
     std::memcpy(room, source.data(), source.size());
     const Block block = convertBlock<Rule>(_mm_loadu_si128(reinterpret_cast<const __m128i*>(room)), source.size());
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(room), block.bytes);
-    std::memcpy(target.data(), room, block.count);
+    storeFront(target.data(), block.bytes, block.count);
     return block.count;
 }
 
@@ -133,7 +138,13 @@ Run convertBlocks(ByteView source, ByteSpan target) {
     while (source.size() - done >= kBlock && target.size() - done >= kBlock) {
         const Block block =
             convertBlock<Rule>(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source.data() + done)), kBlock);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(target.data() + done), block.bytes);
+        // The place of a first byte that the block cuts off may be stored to if its pair is sure to come there.
+        const bool pairFollows = source.size() - done > kBlock && target.size() - done > kBlock;
+        if (block.count == kBlock || (!block.kana && pairFollows)) {
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(target.data() + done), block.bytes);
+        } else {
+            storeFront(target.data() + done, block.bytes, block.count);
+        }
         done += block.count;
         if (block.kana) return {done, done};
     }

@@ -134,12 +134,6 @@ bool fillsField(Type type) {
     return type == Type::singleToUtf8 || type == Type::singleToUtf8Narrow;
 }
 
-// The runs of multi-byte text store whole words inside the room, of which only a part may count.
-bool touchesRoom(Type type) {
-    return type == Type::sjisToEuc || type == Type::eucToSjis || type == Type::utf8ToMulti ||
-           type == Type::utf8ToMultiNarrow || forgetsCount(type);
-}
-
 // A full target of the ways from single bytes to UTF-8: a field padded with blanks and closed.
 Foretold closedField(Bytes target, std::size_t place) {
     std::fill(target.begin() + static_cast<std::ptrdiff_t>(place), target.end(), static_cast<unsigned char>(' '));
@@ -162,7 +156,6 @@ Foretold fit(Type type, const Plan& plan, std::size_t targetSize) {
     std::copy_n(plan.bytes.begin(), count, target.begin());
     if (isFull && fillsField(type)) return closedField(std::move(target), count);
     Foretold result{plan.end, static_cast<uint32_t>(count), std::move(target)};
-    if (touchesRoom(type)) result.certain = count;
     if (isFull) result.status = NLS_BUF_SMALL;
     if (isFull && forgetsCount(type)) result.count = 0;
     return result;
