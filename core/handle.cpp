@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "collation/user_sort.hpp"
 #include "convmap/load_context.hpp"
 #include "core/base/arena.hpp"
 #include "core/base/busy_guard.hpp"
@@ -58,8 +59,8 @@ void addBuffer(nlsHandle& handle, ByteSpan buffer) {
     recordBuffer(handle, buffer);
 }
 
-// No site's own sort is started yet, so there is none to end.
 void endHandle(nlsHandle& handle) {
+    closeUserSort(handle);
     handle.hdr.typeTag = NLS_TAG_CLOSED;
 }
 

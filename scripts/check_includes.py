@@ -21,18 +21,19 @@ CLIENT = {"include"}
 ARROWS = {
     "include": set(),
     "core/base": {"include"},
-    "core": {"include", "core/base", "convmap"},
-    "convmap": {"include", "core/base"},
+    "core": {"include", "core/base", "convmap", "collation/user_sort.hpp"},
+    "convmap": {"include", "core/base", "collation/user_sort.hpp"},
     "chars": {"include", "core/base"},
     "conversion": {"include", "core/base", "convmap/conv_table.hpp", "convmap/dbcs_index.hpp"},
-    "strings": {"include", "core/base", "chars"},
+    "collation": {"include", "core/base", "chars", "conversion", "convmap/conv_table.hpp", "convmap/case_pages.hpp"},
+    "strings": {"include", "core/base", "chars", "collation", "convmap/case_pages.hpp"},
     "tools/mkconvmap": CLIENT | {"core/base", "convmap"},
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
     "bench": CLIENT | {"core/base/cpu.hpp", "tests/support"},
     "fuzz": CLIENT | {"core/base", "tests/support"},
     "tests/support": set(),  # a folder of its own for those who may include it; itself it looks into everything
 }
-LIBRARY = ("core", "convmap", "chars", "conversion", "strings")
+LIBRARY = ("core", "convmap", "chars", "conversion", "collation", "strings")
 # Tests look into everything; those of the public interface are clients like any other.
 CLIENT_TESTS = ("tests/abi", "tests/end_to_end", "tests/install")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"(.*)$')

@@ -6,7 +6,7 @@
 Four promises:
   1. the declarations marked NLS_API in include/nls/*.h, the names of cmake/exports.map and the dynamic symbols of the
      library are the same set, and the map groups them by the header that declares them;
-  2. cmake/overridable.list names the exported variables, and nothing else;
+  2. cmake/overridable.list names the exported variables and the entry points of a site's own sort, and nothing else;
   3. no other exported name can be resolved to somebody else's: the library reaches its own functions without the
      dynamic linker;
   4. every header of include/nls declares something or is the umbrella, and the umbrella includes them all.
@@ -88,7 +88,9 @@ def main():
     faults += [f"{name} is declared in {headers[name][0]}, but the map has it under {group}"
                for name, group in exports.items() if name in headers and headers[name][0] not in group]
     variables = {name for name, is_function in symbols.items() if not is_function}
-    faults += differences(variables, overridable, "the exported variables", "cmake/overridable.list")
+    hooks = {name for name in headers if name.startswith("UserSort")}
+    faults += differences(variables | hooks, overridable, "variables and entry points of user sort",
+                          "cmake/overridable.list")
     faults += [f"{name} is a {'function' if headers[name][1] else 'variable'} in {headers[name][0]}, but not in {library}"
                for name, is_function in symbols.items() if name in headers and headers[name][1] != is_function]
     faults += [f"{name} can be resolved outside the library, but isn't in cmake/overridable.list"

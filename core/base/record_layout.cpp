@@ -96,6 +96,28 @@ NLS_AT(nlsUcs2Map, trailsPerRow, 147);
 NLS_AT(nlsUcs2Map, trailGap3, 148);
 NLS_AT(nlsUcs2Map, rangesOnCjis, 149);
 
+static_assert(sizeof(nlsCollStruct) == 584);
+NLS_AT(nlsCollStruct, foldMap, 256);
+NLS_AT(nlsCollStruct, nextColl, 512);
+NLS_AT(nlsCollStruct, collMapSize, 520);
+NLS_AT(nlsCollStruct, collKind, 524);
+NLS_AT(nlsCollStruct, collSubKind, 528);
+NLS_AT(nlsCollStruct, collCharset, 532);
+NLS_AT(nlsCollStruct, collName, 552);
+
+static_assert(sizeof(nlsCaseStruct) == 516);
+NLS_AT(nlsCaseStruct, upperMap, 4);
+NLS_AT(nlsCaseStruct, lowerMap, 260);
+
+static_assert(sizeof(nlsUnicodeCaseStruct) == 8024);
+NLS_AT(nlsUnicodeCaseStruct, caseBuildSize, 4);
+NLS_AT(nlsUnicodeCaseStruct, caseRaw, 8);
+NLS_AT(nlsUnicodeCaseStruct, casePages, 5976);
+
+NLS_AT(nlsWbTable, wbBodySize, 2);
+NLS_AT(nlsWbTable, wbClassOffset, 4);
+NLS_AT(nlsWbTable, wbFlags, 6);
+
 static_assert(sizeof(nlsStr) == 16);
 NLS_AT(nlsStr, bufSize, 8);
 NLS_AT(nlsStr, strLength, 12);

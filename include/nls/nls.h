@@ -22,4 +22,7 @@
 #include "nls/inner.h"
 #include "nls/transforms.h"
 
+/* For a site that brings its own collation. */
+#include "nls/usersort.h"
+
 #endif

@@ -26,6 +26,7 @@ typedef struct nlsConvTable nlsConvTable;
 
 typedef struct nlsCollStruct nlsCollStruct;
 typedef struct nlsCaseStruct nlsCaseStruct;
+typedef struct nlsUnicodeCaseStruct nlsUnicodeCaseStruct;
 typedef struct nlsWbTable nlsWbTable;
 typedef struct nlsIcuInfo nlsIcuInfo;
 
@@ -181,6 +182,47 @@ struct nlsUcs2Map {
     uint8_t trailGap3; /* 148 */
     uint8_t rangesOnCjis;
     uint8_t reserved150[10];
+};
+
+/* A collation: 584 bytes. Weights are unsigned bytes, by byte value; the weight 0 marks a byte that counts as two
+   letters s. Behind a collation of kind 5 lies its nlsIcuInfo, and its maps hold no weights. */
+struct nlsCollStruct {
+    unsigned char exactMap[256]; /*   0: for compare mode 1 */
+    unsigned char foldMap[256];  /* 256: for compare mode 0 */
+    nlsCollStruct* nextColl;     /* 512: the collation made before this one under the same handle; null at the first */
+    uint32_t collMapSize;        /* 520: bytes filled in each map; the rest is zero */
+    int32_t collKind;            /* 524: 1 byte tables, 2 user sort, 3 Unicode, 4 Thai, 5 ICU, -2 ICU that failed */
+    uint32_t collSubKind;        /* 528: 0 with kind 1 marks the basic table */
+    char collCharset[20];        /* 532: at most 19 characters and a NUL */
+    char collName[32];           /* 552: at most 31 characters and a NUL */
+};
+
+/* A case table of bytes, of every charset but UTF-8: 516 bytes. */
+struct nlsCaseStruct {
+    int32_t caseMapSize;         /*   0: bytes filled in each map; the rest is zero */
+    unsigned char upperMap[256]; /*   4: by byte value */
+    unsigned char lowerMap[256]; /* 260: by byte value */
+};
+
+/* A case table of UTF-8, whose charset has NLS_CHARSET_UTF8; it stands where others have an nlsCaseStruct: 8024 bytes.
+
+   The key of a character is found from its UTF-8 bytes, taken as a big-endian number; bits 8 to 15 of the key choose the
+   page, bits 0 to 6 the entry of its upper-case form. That of its lower-case form stands 64 entries later, on page 0 128.
+   An entry is the low 16 bits of the UTF-8 number of that form; 0: there is none. Page 0 has 256 entries, others 128. */
+struct nlsUnicodeCaseStruct {
+    uint32_t caseRawSize;           /*    0: always 5976, the bytes before casePages */
+    uint32_t caseBuildSize;         /*    4: what the tables behind the record take, in bytes */
+    unsigned char caseRaw[5968];    /*    8: the record of the data file */
+    const uint16_t* casePages[256]; /* 5976: none is null; a page without entries is one that all such share */
+};
+
+/* A word-break table, as a database keeps it: wbBodySize + 62 bytes, of which these come first. */
+struct nlsWbTable {
+    uint8_t wbKind; /* 0: 7, 9 or 128 */
+    uint8_t reserved;
+    uint16_t wbBodySize;    /* 2 */
+    uint16_t wbClassOffset; /* 4: where the 256 word classes stand, in bytes from the start of the table */
+    uint8_t wbFlags;        /* 6 */
 };
 
 /* The caller's record of a byte buffer: 16 bytes. */

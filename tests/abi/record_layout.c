@@ -90,6 +90,28 @@ AT(nlsUcs2Map, trailsPerRow, 147);
 AT(nlsUcs2Map, trailGap3, 148);
 AT(nlsUcs2Map, rangesOnCjis, 149);
 
+SIZE(nlsCollStruct, 584);
+AT(nlsCollStruct, foldMap, 256);
+AT(nlsCollStruct, nextColl, 512);
+AT(nlsCollStruct, collMapSize, 520);
+AT(nlsCollStruct, collKind, 524);
+AT(nlsCollStruct, collSubKind, 528);
+AT(nlsCollStruct, collCharset, 532);
+AT(nlsCollStruct, collName, 552);
+
+SIZE(nlsCaseStruct, 516);
+AT(nlsCaseStruct, upperMap, 4);
+AT(nlsCaseStruct, lowerMap, 260);
+
+SIZE(nlsUnicodeCaseStruct, 8024);
+AT(nlsUnicodeCaseStruct, caseBuildSize, 4);
+AT(nlsUnicodeCaseStruct, caseRaw, 8);
+AT(nlsUnicodeCaseStruct, casePages, 5976);
+
+AT(nlsWbTable, wbBodySize, 2);
+AT(nlsWbTable, wbClassOffset, 4);
+AT(nlsWbTable, wbFlags, 6);
+
 SIZE(nlsStr, 16);
 AT(nlsStr, buf, 0);
 AT(nlsStr, bufSize, 8);
