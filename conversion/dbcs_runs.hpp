@@ -2,8 +2,8 @@
 //
 // A run converts from the front of the source as far as the index of the table covers the characters, and stops in
 // front of the first that it doesn't cover, or where source or room comes near its end. What it writes is what the
-// exact walk would write, and no character of a run is a substitute. Behind what it writes it may touch bytes inside
-// the room. Runs of the baseline and of AVX2 differ in speed alone. Tested by tests/conversion/dbcs_bridge_test.cpp.
+// exact walk would write, and no character of a run is a substitute. Nothing behind what it writes is touched. The runs
+// of different processors differ in speed alone. Tested by tests/conversion/dbcs_bridge_test.cpp.
 #pragma once
 
 #include <cstddef>

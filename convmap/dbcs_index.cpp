@@ -87,10 +87,11 @@ bool zeroIsApart(const nlsUcs2Map& map) {
     return number == 0 || number == kNoMapping;
 }
 
-// The entries of a map's array have no form in UTF-8 that a lane can't write.
-bool hasSurrogate(const nlsUcs2Map& map) {
+// An entry of the map's array whose UTF-8 a lane can't write: a pair of bytes makes two bytes or three, never one, and a
+// surrogate ends the conversion.
+bool hasOddEntry(const nlsUcs2Map& map) {
     return std::any_of(map.cjisToUcs, map.cjisToUcs + cjisCountOf(map),
-                       [](uint16_t unit) { return isSurrogate(unit); });
+                       [](uint16_t unit) { return unit < 0x80 || isSurrogate(unit); });
 }
 
 bool isOn(const GridAxis& axis, uint32_t byte, uint32_t& place) {
@@ -120,7 +121,7 @@ void fillColumns(const GridAxis& trails, uint8_t (&columnOf)[256]) {
 void findWayForth(const DbcsTable& table, DbcsIndex& index) {
     const nlsUcs2Map& third = table.maps[2];
     if (cjisCountOf(third) == 0 || third.rangesOnCjis != 0 || !countsEvenly(third) || !zeroIsApart(third)) return;
-    if (hasSurrogate(third)) return;
+    if (hasOddEntry(third)) return;
     const Charset charset{*table.attrib};
     const FoundAxis leads = findAxis([&](uint8_t lead) -> Placed {
         const int squeezed = lead - (lead > third.leadLast1 ? third.leadGap : 0);
@@ -182,10 +183,15 @@ bool findColumns(const nlsUcs2Map& map, AxisBack& axis) {
     return map.trailsPerRow == findAxisBack(axis, map.trailsPerRow, trailOf);
 }
 
-// Cells of 0 and 0xFFFF are no mapping. All others must stand for a place below `end`.
+// Cells of 0 and 0xFFFF are no mapping. All others must stand for a place below `end`, and for no surrogate: two of
+// these are one character in UTF-16, whatever a cell says of the first.
 bool allBelow(const nlsUcs2Map& map, uint32_t count, uint32_t end) {
-    return std::all_of(map.ucsCells, map.ucsCells + count,
-                       [&](uint16_t cell) { return cell == 0 || cell == kNoMapping || cell - 1U < end; });
+    for (uint32_t place = 0; place < count; ++place) {
+        const uint32_t cell = map.ucsCells[place];
+        if (cell == 0 || cell == kNoMapping) continue;
+        if (cell - 1 >= end || isSurrogate(map.ucsMin + place)) return false;
+    }
+    return true;
 }
 
 void findWayBack(const DbcsTable& table, DbcsIndex& index) {

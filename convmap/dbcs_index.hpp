@@ -1,7 +1,7 @@
 // The index of a multi-byte table: what the bridges may take for granted about it, and a few pages of ready answers.
 //
-// The bridges convert runs of ASCII and of double-byte characters eight at a time, by arithmetic on lanes. Whether that
-// is allowed, and with which constants, follows from the three maps and the trail counts, but takes some microseconds
+// The bridges convert runs of ASCII and of double-byte characters sixteen at a time, by arithmetic on lanes. Whether
+// that is allowed, and with which constants, follows from the three maps and the trail counts, but takes some microseconds
 // to find out. So it is found out once, when the table has been loaded, by asking the plain search (dbcs_search.hpp)
 // what it answers; the index holds nothing that the search would answer otherwise. Kana and punctuation stand in the
 // rows of the first map, whose walk is the slowest of all searches: the index carries up to three pages of 256 code
@@ -85,8 +85,8 @@ static_assert(bytesOfIndex(DbcsIndex::kPageCount) <= 2352);
 // Fills an index for the table, with at most `pageCount` pages. Reads the table alone.
 void buildDbcsIndex(const DbcsTable& table, unsigned pageCount, DbcsIndex& index);
 
-// Takes an index from the arena, as far as `reserve` bytes stay free in it, and ties it to the table; without room, and
-// for a table that has nothing to gain, the table is marked as having none.
+// Takes an index from the arena, as far as `reserve` bytes stay free in it, and ties it to the table; without room the
+// table is marked as having none.
 void addDbcsIndex(const Arena& arena, uint32_t reserve, DbcsTable& table);
 
 // What ties an index to a table: half of a product that depends on every bit of the places.

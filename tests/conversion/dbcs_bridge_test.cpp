@@ -77,6 +77,8 @@ public:
         ASSERT_EQ(outLen, want.outLen) << what();
         const ByteView got{target, want.bytes.size()};
         ASSERT_TRUE(sameBytes(got, want.bytes)) << what() << "\ngot  " << hex(got) << "\nwant " << hex(want.bytes);
+        for (std::size_t i = want.bytes.size(); i < room; ++i)
+            ASSERT_EQ(target[i], kUntouched) << what() << " at " << i;
     }
     void expectTwins(Bridge bridge, ByteView text, std::size_t room) {
         expectTwin(bridge, text, room);

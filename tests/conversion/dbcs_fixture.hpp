@@ -100,8 +100,17 @@ private:
     std::unique_ptr<GuardedBuffer> buffer_;
 };
 
-// Puts odd values into some entries of a map's arrays: no mapping, surrogates, substitutes, anything.
+// Puts odd values into some entries of a map's arrays: no mapping, surrogates, substitutes, anything. Every second time
+// only those that leave the runs of an index at work.
 inline void scramble(nlsUcs2Map& map, Random& random) {
+    if (random.oneIn(2)) {
+        constexpr uint16_t kLeft[] = {0x80, 0xA7, 0x7FF, 0x800, 0xD7FF, 0xE000, 0xFFFC, 0xFFFD, 0xFFFE, 0xFFFF};
+        for (uint32_t i = 0; map.cjisToUcs != nullptr && i < 3000 && map.cjisCount != 0; ++i)
+            map.cjisToUcs[random.below(map.cjisCount)] = kLeft[random.below(10)];
+        for (uint32_t i = 0; map.ucsCells != nullptr && i < 3000 && map.ucsCellCount != 0; ++i)
+            map.ucsCells[random.below(map.ucsCellCount)] = static_cast<uint16_t>(random.below(3000));
+        return;
+    }
     const auto some = [&](uint16_t* array, uint32_t count) {
         constexpr uint16_t kOdd[] = {0, 0xFFFF, 0xFFFD, 0xFFFE, 0xD800, 0xDFFF, 0x7F, 0x80, 0x7FF, 0x800};
         for (uint32_t i = 0; array != nullptr && i < 200 && count != 0; ++i)

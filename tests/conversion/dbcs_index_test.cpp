@@ -127,6 +127,10 @@ TEST(DbcsIndex, DoubtfulTablesArentCovered) {
         {"no columns", [](PackedDbcs& p) { p.table().maps[2].trailsPerRow = 0; }, true, false, false},
         {"a code with two numbers", [](PackedDbcs& p) { p.table().maps[2].sjisZero = 0xB0A1; }, true, false, true},
         {"a surrogate", [](PackedDbcs& p) { p.arrays[2][0][500] = 0xD800; }, true, false, true},
+        {"a pair that is ASCII", [](PackedDbcs& p) { p.arrays[2][0][500] = 0x7F; }, true, false, true},
+        {"surrogates in the dense block",
+         [](PackedDbcs& p) { p.table().maps[2].ucsMin = 0xB000, p.table().maps[2].ucsMax = 0xFFFF; }, true, true,
+         false},
         {"a trail byte of 0", [](PackedDbcs& p) { p.table().maps[2].trailFirst1 = 0xF0; }, true, true, false},
         {"a place behind the last row", [](PackedDbcs& p) { p.arrays[2][2][500] = 0xF000; }, true, true, false},
     };

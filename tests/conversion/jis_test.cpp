@@ -45,6 +45,8 @@ public:
         ASSERT_EQ(outLen, want.bytes.size()) << direction.name << " " << hex(text) << " into " << room;
         ASSERT_TRUE(test::sameBytes({target, outLen}, want.bytes))
             << direction.name << " " << hex(text) << " into " << room << ": " << hex({target, outLen});
+        for (std::size_t i = outLen; i < room; ++i)
+            ASSERT_EQ(target[i], kUntouched) << direction.name << " " << hex(text);
     }
 
 private:
