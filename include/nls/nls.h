@@ -17,6 +17,9 @@
 #include "nls/convert.h"
 #include "nls/strings.h"
 
+/* Which of two texts sorts first, and keys that sort the same way. */
+#include "nls/compare.h"
+
 /* What conversions come down to, and what older callers know. An ordinary caller does without. */
 #include "nls/dbcs_transforms.h"
 #include "nls/inner.h"

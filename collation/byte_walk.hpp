@@ -1,0 +1,21 @@
+// The order of byte tables with characters of two bytes: the first pair of weights that differ decides.
+// Tested by tests/collation/byte_walk_test.cpp against tests/reference/compare.hpp.
+#pragma once
+
+#include "collation/text.hpp"
+#include "collation/weights.hpp"
+#include "convmap/conv_table.hpp"
+#include "core/base/charset.hpp"
+
+namespace nls {
+
+struct ByteRoute {
+    WeightMap weights;
+    Charset charset;
+    ConvTable bridge;  // pairs go through it; null: they are compared as they stand
+};
+
+// -1, 0 or 1.
+int compareByWeights(const ByteRoute& route, Text a, Text b);
+
+}  // namespace nls

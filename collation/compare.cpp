@@ -1,0 +1,66 @@
+#include "collation/compare.hpp"
+
+#include "collation/byte_walk.hpp"
+#include "collation/coll_kind.hpp"
+#include "collation/hook_text.hpp"
+#include "collation/single_byte_walk.hpp"
+#include "collation/sjis_bridge.hpp"
+#include "nls/usersort.h"
+
+namespace nls {
+
+namespace {
+
+bool isByteMode(uint16_t mode) {
+    return mode <= 1;
+}
+
+Compared compareByTables(const Collation& by, Text a, Text b, uint16_t mode) {
+    if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
+    const Charset charset{by.attrib};
+    ByteRoute route{WeightMap::of(by.coll, mode), charset, ConvTable{nullptr}};
+    if (charset.comparesViaSjis()) {
+        const SjisHandles sjis = findSjisHandles(by.locale);
+        if (sjis.status != NLS_OK) return {sjis.status, 0};
+        route.bridge = ConvTable{sjis.conversion->table};
+    }
+    return {NLS_OK, compareByWeights(route, a, b)};
+}
+
+HookText hookText(Text text) {
+    if (text.limit == nullptr) return HookText{text.place};
+    return HookText{text.place, static_cast<std::size_t>(text.limit - text.place)};
+}
+
+Compared compareByHook(const Collation& by, Text a, Text b, uint16_t mode) {
+    const HookText first = hookText(a), second = hookText(b);
+    const nlsHandle* const handle = by.locale.owner;
+    return {NLS_OK, UserSortComp(first.get(), second.get(), by.coll.foldMap, by.coll.exactMap, mode,
+                                 handle != nullptr ? handle->userSortHandle : 0)};
+}
+
+}  // namespace
+
+Compared compareTexts(const Collation& by, nlsTlsBlock*, Text a, Text b, uint16_t mode) {
+    switch (kindOf(by.coll)) {
+        case CollKind::userSort:
+            return compareByHook(by, a, b, mode);
+        case CollKind::unicode:
+        case CollKind::thai:
+        case CollKind::icu:
+            return {NLS_BAD_COLLATION, 0};  // no table of these kinds can be made yet
+        default:
+            return compareByTables(by, a, b, mode);
+    }
+}
+
+Compared compareLimited(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* a, const unsigned char* b,
+                        int32_t lengthA, int32_t lengthB, uint16_t mode) {
+    const bool singleBytes = Charset{*locale.attrib}.isSingleByte() && kindOf(*locale.coll) == CollKind::byteTables;
+    if (!singleBytes) return compareTexts(locale, tls, Text::of(a, lengthA), Text::of(b, lengthB), mode);
+    if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
+    const Text first{a, a + (lengthA < 0 ? 0 : lengthA)}, second{b, b + (lengthB < 0 ? 0 : lengthB)};
+    return {NLS_OK, compareSingleBytes(WeightMap::of(*locale.coll, mode), first, second)};
+}
+
+}  // namespace nls

@@ -1,0 +1,43 @@
+// Which of two texts sorts first: the choice of the route, and its answer.
+// Tested by tests/collation/compare_test.cpp.
+#pragma once
+
+#include <cstdint>
+
+#include "collation/text.hpp"
+#include "nls/records.h"
+#include "nls/status.h"
+
+namespace nls {
+
+// `sign` counts with status NLS_OK alone: 1 after, 0 equal, -1 before. A site's own sort may answer another number; its
+// low 16 bits are the result.
+struct Compared {
+    nlsStatus status;
+    int sign;
+};
+
+// What a locale compares by.
+struct Collation {
+    const nlsLocale& locale;
+    const nlsAttribStruct& attrib;
+    const nlsCollStruct& coll;
+};
+// REQUIRES: the locale has both.
+inline Collation collationOf(const nlsLocale& locale) {
+    return {locale, *locale.attrib, *locale.coll};
+}
+
+Compared compareTexts(const Collation& by, nlsTlsBlock* tls, Text a, Text b, uint16_t mode);
+
+// The same under the locale's own tables. REQUIRES: the locale has an attribute table and a collation.
+inline Compared compareTexts(const nlsLocale& locale, nlsTlsBlock* tls, Text a, Text b, uint16_t mode) {
+    return compareTexts(collationOf(locale), tls, a, b, mode);
+}
+
+// Texts of known length, in bytes; a NUL ends them earlier. Charsets of one byte have a faster way here, on which a
+// negative length is an empty text; elsewhere -1 is no limit. REQUIRES: as above.
+Compared compareLimited(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* a, const unsigned char* b,
+                        int32_t lengthA, int32_t lengthB, uint16_t mode);
+
+}  // namespace nls

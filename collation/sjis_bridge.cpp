@@ -1,0 +1,58 @@
+#include "collation/sjis_bridge.hpp"
+
+#include "conversion/engine.hpp"
+#include "core/base/names.hpp"
+#include "core/base/object_chain.hpp"
+
+namespace nls {
+
+namespace {
+
+constexpr const char* kSjis = "shift-jis";
+
+// The memo is written by whoever comes first, while others read it: both words are read and written whole, and one alone
+// doesn't count. What they point to was finished with the locale.
+template <typename T>
+T* readMemo(T* const& slot) {
+    return __atomic_load_n(&slot, __ATOMIC_RELAXED);
+}
+template <typename T>
+void writeMemo(T*& slot, T* value) {
+    __atomic_store_n(&slot, value, __ATOMIC_RELAXED);
+}
+
+nlsLocale* findSjisLocale(const nlsHandle& handle) {
+    return findOnChain<nlsLocale>(handle, NLS_TAG_LOCALE,
+                                  [](const nlsLocale& one) { return sameName(one.charsetName, kSjis); });
+}
+
+nlsConversion* findConversionToSjis(const nlsHandle& handle, const char* charset) {
+    return findOnChain<nlsConversion>(handle, NLS_TAG_CONVERSION, [charset](const nlsConversion& one) {
+        return sameName(one.source->charsetName, charset) && sameName(one.target->charsetName, kSjis);
+    });
+}
+
+}  // namespace
+
+SjisHandles findSjisHandles(const nlsLocale& locale) {
+    nlsAttribStruct& attrib = *locale.attrib;
+    nlsAttribStruct* const knownAttrib = readMemo(attrib.sjisAttrib);
+    nlsConversion* const knownConversion = readMemo(attrib.sjisConversion);
+    if (knownAttrib != nullptr && knownConversion != nullptr) return {NLS_OK, knownAttrib, knownConversion};
+    if (locale.owner == nullptr) return {NLS_NO_SJIS, nullptr, nullptr};
+    const nlsLocale* const sjis = findSjisLocale(*locale.owner);
+    if (sjis == nullptr || sjis->attrib == nullptr) return {NLS_NO_SJIS, nullptr, nullptr};
+    nlsConversion* const conversion = findConversionToSjis(*locale.owner, locale.charsetName);
+    if (conversion == nullptr) return {NLS_NO_CONV_TABLE, nullptr, nullptr};
+    writeMemo(attrib.sjisAttrib, sjis->attrib);
+    writeMemo(attrib.sjisConversion, conversion);
+    return {NLS_OK, sjis->attrib, conversion};
+}
+
+BridgedPair throughBridge(ConvTable table, unsigned char first, unsigned char second) {
+    unsigned char pair[2] = {first, second};
+    const EngineAnswer answer = convert(table, {ByteSpan{pair}, ByteView{pair}, {}});
+    return {pair[0], pair[1], answer.length == 1};
+}
+
+}  // namespace nls
