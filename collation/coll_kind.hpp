@@ -13,4 +13,9 @@ inline CollKind kindOf(const nlsCollStruct& coll) {
     return CollKind{coll.collKind};
 }
 
+// Byte tables take no other mode.
+inline bool isByteMode(uint16_t mode) {
+    return mode <= 1;
+}
+
 }  // namespace nls

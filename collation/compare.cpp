@@ -11,10 +11,6 @@ namespace nls {
 
 namespace {
 
-bool isByteMode(uint16_t mode) {
-    return mode <= 1;
-}
-
 Compared compareByTables(const Collation& by, Text a, Text b, uint16_t mode) {
     if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
     const Charset charset{by.attrib};

@@ -1,6 +1,12 @@
 // Door: comparison, keys and words.
+#include <algorithm>
+#include <cstring>
+
 #include "collation/compare.hpp"
 #include "collation/sjis_bridge.hpp"
+#include "collation/sort_key.hpp"
+#include "collation/words.hpp"
+#include "core/base/charset.hpp"
 #include "core/base/checks.hpp"
 #include "nls/compare.h"
 
@@ -20,6 +26,11 @@ nlsStatus checkLocaleAlone(const nlsLocale* locale) {
 nlsStatus handOut(const nls::Compared& compared, uint16_t* result) {
     if (compared.status == NLS_OK) *result = static_cast<uint16_t>(compared.sign);
     return compared.status;
+}
+
+nls::SortKey keyOf(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* src, nls::ByteSpan key,
+                   uint16_t options, uint16_t trim) {
+    return nls::makeSortKey(nls::collationOf(locale), tls, src, key, nls::KeyOptions::of(options, trim));
 }
 
 }  // namespace
@@ -54,4 +65,96 @@ nlsStatus locCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned c
 nlsStatus getSjisHandles(const nlsLocale* locale) {
     if (locale == nullptr || locale->attrib == nullptr) return NLS_NO_SJIS;
     return nls::findSjisHandles(*locale).status;
+}
+
+// ---- Sort keys ----
+
+nlsStatus nlsSortKey(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* src, int16_t keySize,
+                     uint16_t options, uint16_t trim, unsigned char* key, uint16_t* keyLen) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    if (const nlsStatus bad = checkTables(*locale)) return bad;
+    if (src == nullptr || key == nullptr || keyLen == nullptr) return NLS_BAD_ARG;
+    const nls::SortKey made = keyOf(*locale, tls, src, nls::firstBytes(key, keySize), options, trim);
+    if (made.status != NLS_OK) return made.status;
+    *keyLen = static_cast<uint16_t>(made.length);
+    return *keyLen < keySize ? NLS_OK : NLS_BUF_SMALL;
+}
+
+nlsStatus getSortKey(const nlsLocale* locale, nlsTlsBlock* tls, unsigned char* key, const unsigned char* src,
+                     int16_t keySize, uint16_t options, uint16_t trim) {
+    if (const nlsStatus bad = checkLocaleAlone(locale)) return bad;
+    if (src == nullptr || key == nullptr) return NLS_BAD_ARG;
+    return keyOf(*locale, tls, src, nls::firstBytes(key, keySize), options, trim).status;
+}
+
+// ---- Words ----
+
+namespace {
+
+enum WbKind : uint8_t { kPlainWords = 7, kFirstKindWithKeys = 8, kWordsOfPairs = 9, kOpenWords = 128 };
+
+bool isUtf8(const nlsLocale& locale) {
+    return locale.attrib != nullptr && nls::Charset{*locale.attrib}.isUtf8();
+}
+
+uint32_t breakOptionsOf(const nls::WordBreaks& breaks, int32_t flags) {
+    constexpr int32_t kFamilies = NLS_CHARSET_MULTI_BYTE | NLS_CHARSET_UTF8 | NLS_CHARSET_UNITS16 | NLS_CHARSET_UNITS32;
+    uint32_t options = (flags & NLS_CHARSET_UTF8) != 0 ? nls::kBreakFours : 0U;
+    if (breaks.kind() == kWordsOfPairs && (flags & kFamilies) == NLS_CHARSET_MULTI_BYTE) options |= nls::kBreakPairs;
+    return options;
+}
+
+// The word as it stands, or its key. REQUIRES: the word with its NUL fits.
+nlsStatus deliverWord(const nlsLocale& locale, nlsTlsBlock* tls, bool asKey, uint16_t options,
+                      const unsigned char* word, nls::ByteSpan buffer, uint32_t* wordLen) {
+    if (!asKey) {
+        std::memcpy(buffer.data(), word, *wordLen + std::size_t{1});
+        return NLS_OK;
+    }
+    if (const nlsStatus bad = checkLocaleAlone(&locale)) return bad;
+    constexpr std::size_t kLargestKey = INT16_MAX;
+    const nls::ByteSpan room = buffer.first(std::min(buffer.size(), kLargestKey));
+    const nls::SortKey made = keyOf(locale, tls, word, room, options, 0);
+    if (made.status == NLS_OK) *wordLen = static_cast<uint32_t>(made.length);
+    return made.status;
+}
+
+}  // namespace
+
+nlsStatus nlsIsSortNeeded(const nlsLocale* locale, nlsTlsBlock*, uint32_t* needed) {
+    const nls::WordBreaks breaks{locale != nullptr ? locale->wordBreak : nullptr};
+    if (breaks.isMissing()) return NLS_NO_WB_TABLE;
+    if (needed == nullptr) return NLS_BAD_ARG;
+    const bool keys = isUtf8(*locale) || breaks.kind() == kWordsOfPairs || breaks.kind() == kOpenWords;
+    if (!keys && breaks.kind() != kPlainWords) return NLS_BAD_VERSION;
+    *needed = keys ? 0 : 1;
+    return NLS_OK;
+}
+
+nlsStatus nlsGetNextWord(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char** cursor, uint16_t options,
+                         unsigned char* buffer, int32_t bufferSize, uint32_t* wordLen) {
+    const nls::WordBreaks breaks{locale != nullptr ? locale->wordBreak : nullptr};
+    if (breaks.isMissing()) return NLS_NO_WB_TABLE;
+    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
+    if (cursor == nullptr || *cursor == nullptr || buffer == nullptr || wordLen == nullptr) return NLS_BAD_ARG;
+    unsigned char work[nls::kWordRoom];
+    const nls::Word word = nls::cutWord(*cursor, breaks, breakOptionsOf(breaks, locale->attrib->flags), work);
+    *wordLen = word.length;
+    if (word.length == 0) return NLS_END_OF_STRING;
+    if (bufferSize <= 0 || word.length >= static_cast<uint32_t>(bufferSize)) return NLS_BUF_SMALL;
+    *cursor = word.next;
+    const bool asKey = breaks.kind() >= kFirstKindWithKeys || isUtf8(*locale);
+    const nls::ByteSpan room = nls::firstBytes(buffer, bufferSize);
+    if (const nlsStatus bad = deliverWord(*locale, tls, asKey, options, work, room, wordLen)) return bad;
+    return word.truncated ? NLS_WORD_TRUNCATED : NLS_OK;
+}
+
+const unsigned char* nextword(const unsigned char* text, uint32_t* wordLen, unsigned char* dest,
+                              const nlsWbTable* table, uint32_t* truncated, uint32_t breakOptions) {
+    unsigned char work[nls::kWordRoom];
+    const nls::Word word = nls::cutWord(text, nls::WordBreaks{table}, breakOptions, work);
+    std::memcpy(dest, work, word.length + std::size_t{1});
+    *wordLen = word.length;
+    if (word.truncated) *truncated = 1;
+    return word.next != nullptr ? word.next : reinterpret_cast<const unsigned char*>(UINTPTR_MAX);
 }
