@@ -5,6 +5,7 @@
 
 #include "conversion/byte_rows_avx2.hpp"
 #include "conversion/sbcs_walk.hpp"
+#include "conversion/squeeze_tables.hpp"
 
 namespace nls {
 
@@ -16,17 +17,6 @@ constexpr auto kKept = [] {
     for (unsigned mask = 0; mask < 256; ++mask)
         for (unsigned place = 0, kept = 0; place < 8; ++place)
             if ((mask >> place & 1) != 0) rows[mask][kept++] = static_cast<unsigned char>(place);
-    return rows;
-}();
-
-// Row m squeezes eight pairs of bytes: the first of each pair, and the second where its bit is set in m.
-constexpr auto kPairs = [] {
-    std::array<std::array<unsigned char, 16>, 256> rows{};
-    for (unsigned mask = 0; mask < 256; ++mask)
-        for (unsigned place = 0, kept = 0; place < 8; ++place) {
-            rows[mask][kept++] = static_cast<unsigned char>(2 * place);
-            if ((mask >> place & 1) != 0) rows[mask][kept++] = static_cast<unsigned char>(2 * place + 1);
-        }
     return rows;
 }();
 
@@ -73,7 +63,8 @@ NLS_TARGET_AVX2 bool splitForms(const SbcsWords& words, UpperForms& forms) {
 
 // Eight characters as pairs; `mask` tells which of them take two bytes. Writes 16 bytes, of which the text may take 8.
 NLS_TARGET_AVX2 inline void writePairs(BridgeWalk& walk, __m128i pairs, uint32_t mask) {
-    const __m128i shuffle = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kPairs[mask & 0xFF].data()));
+    const __m128i shuffle =
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(kTwoByteSqueeze.shuffle[mask & 0xFF].data()));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(walk.target), _mm_shuffle_epi8(pairs, shuffle));
     walk.target += 8 + countBits(mask & 0xFF);
 }

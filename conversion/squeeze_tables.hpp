@@ -2,7 +2,7 @@
 //
 // One table for each of the three layouts that the wide walks leave gaps in. Each has 256 rows, made by the compiler,
 // and they stand in .rodata: 12 KB in all.
-// Tested by tests/conversion/unicode_transforms_test.cpp.
+// Tested by tests/conversion/unicode_transforms_test.cpp and sbcs_bridge_test.cpp.
 #pragma once
 
 #include <array>

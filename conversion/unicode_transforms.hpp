@@ -10,7 +10,7 @@
 // goes on, and its status, 16 from ucs2ToUtf8 and 33 from ucs4ToUtf8, stands at the end unless the target fills up.
 //
 // Source and target must not overlap, but for a source of one single character.
-// Tested by tests/conversion/unicode_transforms_test.cpp against tests/reference/utf.cpp.
+// Tested by tests/conversion/unicode_transforms_test.cpp against a plain twin.
 #pragma once
 
 #include "conversion/converted.hpp"

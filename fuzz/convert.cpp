@@ -1,4 +1,5 @@
-// Any text through any table: tables of every type made in memory, some of them wild.
+// Any text through any table: tables of every type, real ones and such that are made in memory, some of them
+// wild.
 //
 // The first bytes of the input choose the table, the sizes and the manner; the rest is the text. Source, target and
 // middle buffer are blocks of just their size, so that a sanitizer sees a byte too far. Whatever the processor can
@@ -16,8 +17,8 @@
 #include "core/base/views.hpp"
 #include "nls/convert.h"
 #include "nls/status.h"
-#include "tests/support/dbcs_pack.hpp"
 #include "tests/support/made_tables.hpp"
+#include "tests/support/real_dbcs.hpp"
 
 namespace {
 
@@ -53,12 +54,9 @@ private:
     uint32_t state_;
 };
 
-const nls::test::PackedDbcs& dbcs(unsigned which) {
+const nls::test::RealDbcs& dbcs(unsigned which) {
     static const char* const kNames[] = {"SHIFT-JIS", "CP936", "BIG-5", "CP950-HKSCS"};
-    static std::unique_ptr<nls::test::PackedDbcs> packed[4];
-    auto& one = packed[which % 4];
-    if (one == nullptr) one = packDbcs(nls::test::dbcsRecipe(kNames[which % 4]));
-    return *one;
+    return nls::test::RealDbcs::of(kNames[which % 4]);
 }
 
 // The table that an input chooses, and all that it stands on.
@@ -159,7 +157,7 @@ private:
     // A real charset; or one whose parameters, between the range list and the end of the record, are noise. The counts
     // stay true: they are what the arrays have.
     nls::DbcsTable multiByte() {
-        nls::DbcsTable table = dbcs(variant_).block.table;
+        nls::DbcsTable table = dbcs(variant_).table();
         if (variant_ < 128) return table;
         Noise noise{variant_};
         for (nlsUcs2Map& map : table.maps) {

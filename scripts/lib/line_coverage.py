@@ -17,9 +17,10 @@ def counts(build):
         run = subprocess.run(["gcov", "--json-format", "--stdout", *notes[start:start + 50]], cwd=build,
                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
         for text in run.stdout.decode().splitlines():
-            for file in json.loads(text)["files"] if text.startswith("{") else []:
-                path = Path(file["file"])
-                name = str(path.relative_to(ROOT)) if path.is_absolute() and path.is_relative_to(ROOT) else str(path)
+            report = json.loads(text) if text.startswith("{") else {"files": []}
+            for file in report["files"]:
+                path = Path(report["current_working_directory"], file["file"]).resolve()  # ccache writes "../.."
+                name = str(path.relative_to(ROOT)) if path.is_relative_to(ROOT) else str(path)
                 if name.startswith(LIBRARY):
                     for line in file["lines"]:
                         lines[name][line["line_number"]] += line["count"]

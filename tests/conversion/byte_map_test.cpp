@@ -62,16 +62,6 @@ TEST_P(ByteMap, EveryLengthAndAlignmentAtTheEdgeOfMemory) {
             }
 }
 
-TEST_P(ByteMap, EveryByteAtEveryPlaceOfABlock) {
-    std::vector<unsigned char> from(256 + 64), to(256 + 64);
-    for (const Map& map : maps())
-        for (unsigned start = 0; start < 64; ++start) {
-            for (unsigned i = 0; i < from.size(); ++i) from[i] = static_cast<unsigned char>(i + start);
-            nls::mapBytes(map.data(), from.data(), from.size(), to.data());
-            for (unsigned i = 0; i < from.size(); ++i) ASSERT_EQ(to[i], map[from[i]]);
-        }
-}
-
 TEST_P(ByteMap, AnyOverlapIsAWalkFromFirstToLast) {
     const std::vector<unsigned char> text = randomBytes(1000, 3);
     const Map map = maps()[1];

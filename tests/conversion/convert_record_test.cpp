@@ -11,6 +11,7 @@ namespace {
 using namespace std::string_literals;
 using nls::test::MadeCharset;
 using nls::test::MadeTable;
+using nls::test::shifted;
 
 // A conversion between two locales on one handle, with any table.
 struct MadeConversion {
@@ -49,11 +50,16 @@ struct Record {
     nlsStr str;
 };
 
-MadeTable shifted() {
-    auto map = nls::test::identityMap();
-    for (unsigned c = 'a'; c < 'z'; ++c) map[c] = static_cast<unsigned char>(c + 1);
-    return MadeTable::byteMap(map);
-}
+// One table and what a function of records makes of a text with it.
+struct Row {
+    const char* why;
+    const MadeTable* table;
+    std::string source;
+    int32_t room;
+    nlsStatus status;
+    uint32_t length;
+    std::string target;
+};
 
 TEST(ConvertNls, ClosesTheText) {
     const MadeCharset latin{nls::test::latinUnits()};
@@ -61,15 +67,7 @@ TEST(ConvertNls, ClosesTheText) {
                     latinPages = latin.fromUtf8();
     const MadeTable to16 = MadeTable::twoStep(latin.toUtf8(), utf16);
     const MadeTable to8 = MadeTable::twoStep(fromUtf16, latin.fromUtf8());
-    const struct {
-        const char* why;
-        const MadeTable* table;
-        std::string source;
-        int32_t room;
-        nlsStatus status;
-        uint32_t length;
-        std::string target;
-    } rows[] = {
+    const Row rows[] = {
         {"identity", nullptr, "ab", 4, 0, 2, "ab\0x"s},
         {"identity, no room for the NUL", nullptr, "ab", 2, 2, 2, "ab"},
         {"identity, cut: no room for the NUL either", nullptr, "abc", 2, 2, 2, "ab"},
@@ -95,28 +93,10 @@ TEST(ConvertNls, ClosesTheText) {
     }
 }
 
-TEST(ConvertNls, TwoStepsNeedScratch) {
-    const MadeTable two = MadeTable::twoStep(nullptr, nullptr), map = shifted();
-    const MadeConversion stepped{two}, direct{map};
-    Record from{"ab"s}, to{4, 1};
-    EXPECT_EQ(nlsConvertNLS(&stepped.conversion, nullptr, &from.str, nullptr, &to.str), NLS_BAD_ARG);
-    EXPECT_EQ(to.bytes, "xxxx");
-    EXPECT_EQ(to.str.strLength, 1U);
-    EXPECT_EQ(nlsConvertNLS(&direct.conversion, nullptr, &from.str, nullptr, &to.str), NLS_OK);
-}
-
 TEST(ConvertNls, Check) {
     const MadeCharset latin{nls::test::latinUnits()};
     const MadeTable map = shifted(), two = MadeTable::twoStep(nullptr, nullptr), words = latin.toUtf8();
-    const struct {
-        const char* why;
-        const MadeTable* table;
-        std::string source;
-        int32_t room;
-        nlsStatus status;
-        uint32_t length;
-        std::string target;
-    } rows[] = {
+    const Row rows[] = {
         {"left alone", &map, "ABC", 5, 0, 3, "ABC\0x"s},
         {"changed", &map, "Abc", 5, -2, 3, "Acd\0x"s},
         {"grown", &words, "a\xE9", 5, -2, 3, "a\xC3\xA9\0x"s},
@@ -134,22 +114,6 @@ TEST(ConvertNls, Check) {
         EXPECT_EQ(to.bytes, row.target) << row.why;
         EXPECT_EQ(nlsConvertNLSCheck(&made.conversion, nullptr, &from.str, &from.str), NLS_BAD_ARG) << row.why;
     }
-}
-
-TEST(ConvertNls, RawBuffersOnOneSide) {
-    const MadeTable utf16{24}, from16{23};
-    const MadeConversion there{utf16}, back{from16};
-    Record text{"a"s}, empty{""s}, room{6};
-    uint32_t length = 99;
-    EXPECT_EQ(nlsConvertToUCS2(&there.conversion, nullptr, &text.str, 6, room.str.buf, &length), NLS_OK);
-    EXPECT_EQ(length, 4U);
-    EXPECT_EQ(room.bytes, "a\0\0\0xx"s);
-    EXPECT_EQ(nlsConvertToUCS2(&there.conversion, nullptr, &empty.str, 6, room.str.buf, &length), NLS_OK);
-    EXPECT_EQ(length, 2U);  // the NUL
-    Record to{3};
-    EXPECT_EQ(nlsConvertFromUCS2(&back.conversion, nullptr, room.str.buf, 2, &to.str), NLS_OK);
-    EXPECT_EQ(to.str.strLength, 1U);
-    EXPECT_EQ(to.bytes, "\0xx"s);
 }
 
 TEST(ConvertNls, ChecksInTheirOrder) {

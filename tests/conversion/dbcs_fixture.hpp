@@ -1,20 +1,18 @@
-// What the tests of multi-byte charsets share: packed tables by name, hex, the levels of the processor, records with
-// wild fields, and arrays that end at a page that faults.
+// What the tests of multi-byte charsets share: the names of the charsets, hex, records with wild fields, and arrays that
+// end at a page that faults.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <map>
 #include <memory>
 #include <random>
 #include <string>
 
 #include "convmap/dbcs_index.hpp"
-#include "core/base/cpu.hpp"
 #include "core/base/views.hpp"
-#include "tests/support/dbcs_pack.hpp"
 #include "tests/support/guarded_buffer.hpp"
+#include "tests/support/real_dbcs.hpp"
 
 namespace nls::test {
 
@@ -33,20 +31,8 @@ inline bool sameBytes(ByteView a, ByteView b) {
     return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size()) == 0);
 }
 
-// Packed once in a run of the program.
-inline PackedDbcs& packedDbcs(const std::string& name) {
-    static std::map<std::string, std::unique_ptr<PackedDbcs>> all;
-    auto& packed = all[name];
-    if (packed == nullptr) packed = packDbcs(dbcsRecipe(name));
-    return *packed;
-}
-
-class EachLevel : public ::testing::TestWithParam<CpuLevel> {
-protected:
-    void SetUp() override { limitCpuLevel(GetParam()); }
-    void TearDown() override { limitCpuLevel(CpuLevel::avx512); }
-};
-inline const auto kLevels = ::testing::Values(CpuLevel::baseline, CpuLevel::avx512);
+inline constexpr const char* kMultiByte[] = {"SHIFT-JIS", "EUCJIS", "KSC5601", "CP949",       "CP1361", "GB2312",
+                                             "CP936",     "BIG-5",  "CP950",   "CP950-HKSCS", "ISO6937"};
 
 class Random {
 public:

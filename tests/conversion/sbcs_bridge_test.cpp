@@ -45,10 +45,10 @@ protected:
         unsigned char* const to = target_.atEnd(room + shift);
         std::memset(to, kUntouched, room + shift);
         const nls::Converted got = bridge(nls::ByteView{from, source.size()}, nls::ByteSpan{to, room});
-        ASSERT_EQ(got.status, twin.status) << "source of " << source.size() << ", room " << room;
-        ASSERT_EQ(got.length, twin.length) << "source of " << source.size() << ", room " << room;
         want.resize(room + shift, kUntouched);
-        ASSERT_EQ(Bytes(to, to + room + shift), want) << "source of " << source.size() << ", room " << room;
+        ASSERT_TRUE(got.status == twin.status && got.length == twin.length && std::equal(want.begin(), want.end(), to))
+            << "source of " << source.size() << ", room " << room << ": " << got.status << ", " << got.length << " for "
+            << twin.status << ", " << twin.length;
     }
     void toUtf8(const nls::SbcsWords& words, const Bytes& source, std::size_t room, std::size_t shift = 0) {
         compare(
@@ -90,80 +90,17 @@ Bytes utf8Of(const MadeCharset& charset, const Bytes& text) {
     return room;
 }
 
-TEST_P(SbcsBridge, EveryLengthEveryAlignment) {
-    const Charsets charsets;
-    for (const MadeCharset* charset : charsets.all)
-        for (std::size_t count = 0; count <= 64; ++count)
-            for (std::size_t shift = 0; shift < 32; ++shift) {
-                const Bytes text = textIn(random_, count, static_cast<unsigned>(shift % 3 * 100)),
-                            utf8 = utf8Of(*charset, text);
-                toUtf8(charset->words(), text, utf8.size() + 1, shift);
-                fromUtf8(charset->pages(), utf8, count, shift);
-            }
-}
-
-TEST_P(SbcsBridge, EveryRoom) {
-    const Charsets charsets;
-    for (const MadeCharset* charset : charsets.all)
-        for (const std::size_t count : {1U, 2U, 5U, 16U, 31U, 64U, 65U, 150U, 300U})
-            for (const unsigned dense : {0U, 20U, 256U}) {
-                const Bytes text = textIn(random_, count, dense), utf8 = utf8Of(*charset, text);
-                for (std::size_t room = 0; room <= utf8.size() + 3; ++room) toUtf8(charset->words(), text, room);
-                for (std::size_t room = 0; room <= count + 3; ++room) fromUtf8(charset->pages(), utf8, room);
-            }
-}
-
-TEST_P(SbcsBridge, LongTexts) {
-    const Charsets charsets;
-    for (const MadeCharset* charset : charsets.all)
-        for (const unsigned dense : {0U, 1U, 16U, 200U, 256U})
-            for (int round = 0; round < 10; ++round) {
-                const Bytes text = textIn(random_, 600 + random_() % 400, dense), utf8 = utf8Of(*charset, text);
-                toUtf8(charset->words(), text, utf8.size() + random_() % 200);
-                fromUtf8(charset->pages(), utf8, text.size() + random_() % 200);
-            }
-}
-
-// Every byte of the source alone among ASCII, at every place of a block and a half.
-TEST_P(SbcsBridge, EveryByteAtEveryPlace) {
-    const Charsets charsets;
-    for (const MadeCharset* charset : {&charsets.cyrillic, &charsets.thai})
-        for (std::size_t place = 0; place < 100; place += 1 + place % 3)
-            for (unsigned byte = 0; byte < 256; ++byte) {
-                Bytes text(160, 'a');
-                text[place] = static_cast<unsigned char>(byte);
-                toUtf8(charset->words(), text, 330);
-                fromUtf8(charset->pages(), text, 160);  // not UTF-8, but for ASCII
-                fromUtf8(charset->pages(), utf8Of(*charset, text), 160);
-            }
-}
-
 // Cut-off characters, stray bytes, wrong trailing bytes, four-byte forms and holes, in text that is otherwise sound.
 TEST_P(SbcsBridge, OddUtf8) {
     const Charsets charsets;
-    const std::string pieces[] = {"\x80",
-                                  "\xBF",
-                                  "\xC3",
-                                  "\xC3\xC3",
-                                  "\xE0\xB8",
-                                  "\xE2(\xA1",
-                                  "\xF4",
-                                  "\xF5",
-                                  "\xFF",
-                                  "\xF0\x9F\x98\x80",
-                                  "\xF0\x9F\x98",
-                                  "\xD0\x90",
-                                  "\xDF",
-                                  "\xE1x",
-                                  "\xE0\x01",
-                                  "\0"s,
-                                  "\xE0\xB8\x81\x81",
-                                  "\xF4\xF4\xF4\xF4"};
+    constexpr unsigned char kOdd[] = {0x00, 0x01, '(',  'x',  0x80, 0x81, 0x90, 0x98, 0x9F, 0xA1, 0xB8, 0xBF, 0xC3,
+                                      0xD0, 0xDF, 0xE0, 0xE1, 0xE2, 0xED, 0xF0, 0xF4, 0xF5, 0xF8, 0xFC, 0xFF, 0xFF};
     for (int round = 0; round < 6000; ++round) {
         const MadeCharset& charset = *charsets.all[random_() % 4];
         Bytes text = utf8Of(charset, textIn(random_, random_() % 300, random_() % 2 * 128));
         for (unsigned count = random_() % 4; count != 0; --count) {
-            const std::string& piece = pieces[random_() % std::size(pieces)];
+            Bytes piece(1 + random_() % 4);
+            for (auto& byte : piece) byte = kOdd[random_() % std::size(kOdd)];
             const std::size_t place = random_() % 3 == 0 ? text.size() : random_() % (text.size() + 1);
             text.insert(text.begin() + static_cast<std::ptrdiff_t>(place), piece.begin(), piece.end());
         }
@@ -177,12 +114,7 @@ TEST_P(SbcsBridge, AnyBytesOverAnAlphabet) {
     for (unsigned number = 0; number < 100000; ++number) {  // all texts of up to five letters
         Bytes text;
         for (unsigned rest = number; rest != 0; rest /= 10) text.push_back(kAlphabet[rest % 10]);
-        Bytes want(text.size(), kUntouched), got = want;
-        const Twin twin = nls::test::twinUtf8ToSbcs(charsets.thai.pages(), text, want);
-        const nls::Converted bridge = nls::utf8ToSbcs(charsets.thai.pages(), text, got);
-        ASSERT_EQ(bridge.status, twin.status) << number;
-        ASSERT_EQ(bridge.length, twin.length) << number;
-        ASSERT_EQ(got, want) << number;
+        fromUtf8(charsets.thai.pages(), text, text.size());
     }
 }
 
@@ -236,8 +168,6 @@ TEST(SbcsDoors, ToUtf8) {
                {"a long form needs a byte to spare", "\xE9", 2, 2, " \0"s},
                {"and has it", "\xE9", 3, 0, "\xC3\xA9"},
                {"padded to the full size", "a\xE9", 3, 2, "a \0"s},
-               {"NUL is a byte", "a\0"s, 2, 0, "a\0"s},
-               {"an empty source", "", 2, 0, ""},
                {"no room at all", "a", 0, 2, ""}});
     // A table that takes NUL to a letter: text that ends with NUL has to end with NUL.
     nls::SbcsWords words = latin.words();
@@ -258,13 +188,10 @@ TEST(SbcsDoors, FromUtf8) {
     latin.page(0)[0] = 0xFF;  // the byte without a character
     checkRows(nlsFromUTF8, latin.fromUtf8(),
               {{"cut off", "a\xC3", 4, 16, "a"},
-               {"four bytes", "\xF0\x9F\x98\x80!", 4, -3, "?!"},
-               {"F5 stands alone", "\xF5!", 4, -3, "?!"},
-               {"a stray trailing byte", "a\x80!", 4, -3, "a?!"},
+               {"four bytes, F5 alone, a stray trail", "\xF0\x9F\x98\x80\xF5\x80!", 6, -3, "??\?!"},
                {"no mapping, no room", "a\xD0\x90", 1, 2, "a"},
                {"NUL is what page 0 says", "\0"s, 1, 0, "\xFF"},
-               {"the first of three bytes doesn't count", "\xE5\xC3\xA9", 1, 0, "\xE9"},
-               {"an empty source", "", 2, 0, ""}});
+               {"the first of three bytes doesn't count", "\xE5\xC3\xA9", 1, 0, "\xE9"}});
 }
 
 TEST(SbcsDoors, RefuseWhatIsMissing) {

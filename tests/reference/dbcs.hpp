@@ -6,6 +6,7 @@
 
 #include "convmap/conv_table.hpp"
 #include "core/base/views.hpp"
+#include "tests/real/characters.hpp"
 
 namespace nls::reference {
 
@@ -165,14 +166,9 @@ inline uint32_t readCharsetCharacter(const DbcsTable& t, ByteView source, std::s
     return v & 0xFFFF;
 }
 
-inline std::vector<unsigned char> utf8Of(uint32_t ch) {
-    if (ch >= 0x4000000) ch = 0xFFFD;
-    unsigned n = ch < 0x80 ? 1 : ch < 0x800 ? 2 : ch < 0x10000 ? 3 : ch < 0x200000 ? 4 : 5;
-    static const unsigned marks[] = {0, 0, 0xC0, 0xE0, 0xF0, 0xF8};
-    std::vector<unsigned char> form(n);
-    for (unsigned i = n - 1; i > 0; --i, ch >>= 6) form[i] = static_cast<unsigned char>(0x80 | (ch & 0x3F));
-    form[0] = static_cast<unsigned char>(marks[n] | ch);
-    return form;
+// The forms of Unicode, written and read one character at a time.
+inline real::Name form(bool utf16, bool swapped = false) {
+    return {"", utf16 ? real::Family::units16 : real::Family::utf8, swapped};
 }
 
 inline Bridged dbcsToUtf8(const DbcsTable& t, ByteView source, std::size_t room) {
@@ -181,19 +177,16 @@ inline Bridged dbcsToUtf8(const DbcsTable& t, ByteView source, std::size_t room)
         const Found found = toUnicode(t, readCharsetCharacter(t, source, pos));
         if (found.substituted) result.status = -3;
         const bool surrogate = found.value >= 0xD800 && found.value <= 0xDFFF;
-        const auto form = utf8Of(surrogate ? '?' : found.value);
-        if (result.bytes.size() + form.size() > room) return {2, 0, result.bytes};
-        result.bytes.insert(result.bytes.end(), form.begin(), form.end());
+        const std::size_t before = result.bytes.size();
+        real::append(result.bytes, surrogate ? '?' : found.value >= 0x4000000 ? 0xFFFD : found.value, form(false));
+        if (result.bytes.size() > room) {
+            result.bytes.resize(before);
+            return {2, 0, result.bytes};
+        }
         if (surrogate) return {33, 0, result.bytes};
     }
     result.outLen = static_cast<uint32_t>(result.bytes.size());
     return result;
-}
-
-inline void putUnit(std::vector<unsigned char>& bytes, uint32_t unit, bool swap) {
-    const auto low = static_cast<unsigned char>(unit), high = static_cast<unsigned char>(unit >> 8);
-    bytes.push_back(swap ? high : low);
-    bytes.push_back(swap ? low : high);
 }
 
 inline Bridged dbcsToUtf16(const DbcsTable& t, bool swap, ByteView source, std::size_t room) {
@@ -201,16 +194,12 @@ inline Bridged dbcsToUtf16(const DbcsTable& t, bool swap, ByteView source, std::
     for (std::size_t pos = 0; pos < source.size();) {
         const Found found = toUnicode(t, readCharsetCharacter(t, source, pos));
         if (found.substituted) result.status = -3;
-        uint32_t ch = found.value > 0x10FFFF ? 0xFFFD : found.value;
-        if (result.bytes.size() + (ch > 0xFFFF ? 4 : 2) > room) {
+        const std::size_t before = result.bytes.size();
+        real::append(result.bytes, found.value > 0x10FFFF ? 0xFFFD : found.value, form(true, swap));
+        if (result.bytes.size() > room) {
+            result.bytes.resize(before);
             result.status = 2;
             break;
-        }
-        if (ch > 0xFFFF) {
-            putUnit(result.bytes, 0xD800 + ((ch - 0x10000) >> 10), swap);
-            putUnit(result.bytes, 0xDC00 + ((ch - 0x10000) & 0x3FF), swap);
-        } else {
-            putUnit(result.bytes, ch, swap);
         }
     }
     result.outLen = static_cast<uint32_t>(result.bytes.size());
@@ -228,52 +217,27 @@ inline bool putCode(std::vector<unsigned char>& bytes, uint32_t code, std::size_
     return true;
 }
 
-inline Bridged utf8ToDbcs(const DbcsTable& t, ByteView source, std::size_t room) {
-    static const uint32_t offsets[] = {0, 0x3080, 0xE2080, 0x3C82080, 0xFA082080, 0x82082080};
+// From UTF-8 a NUL goes out with no search.
+inline Bridged unicodeToCharset(const DbcsTable& t, const real::Characters& read, bool utf8, std::size_t room) {
     Bridged result{0, 0, {}};
-    for (std::size_t pos = 0; pos < source.size();) {
-        const unsigned c = source[pos];
-        const unsigned n = c < 0xC0 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : c < 0xF8 ? 3 : c < 0xFC ? 4 : 5;
-        if (pos + n >= source.size()) {
-            result.status = 16;
-            break;
-        }
-        uint32_t ch = 0;
-        for (unsigned i = 0; i <= n; ++i) ch = (i == 0 ? 0 : ch << 6) + source[pos + i];
-        pos += n + 1;
-        ch -= offsets[n];
-        if (ch > 0x10FFFF) ch = 0xFFFD;
-        const Found found = ch == 0 ? Found{0, false} : toCharset(t, ch);
+    for (const uint32_t ch : read.values) {
+        const Found found = ch == 0 && utf8 ? Found{0, false} : toCharset(t, ch);
         if (found.substituted) result.status = -3;
         if (!putCode(result.bytes, found.value, room)) {
             result.status = 2;
             break;
         }
     }
+    if (result.status != 2 && read.end != 0) result.status = read.end;
     result.outLen = static_cast<uint32_t>(result.bytes.size());
     return result;
 }
 
+inline Bridged utf8ToDbcs(const DbcsTable& t, ByteView source, std::size_t room) {
+    return unicodeToCharset(t, readCharacters(form(false), source, real::Reading::byCharacter), true, room);
+}
 inline Bridged utf16ToDbcs(const DbcsTable& t, bool swap, ByteView source, std::size_t room) {
-    const auto unit = [&](std::size_t i) -> uint32_t {
-        const unsigned a = source[2 * i], b = source[2 * i + 1];
-        return swap ? a << 8 | b : b << 8 | a;
-    };
-    Bridged result{0, 0, {}};
-    const std::size_t units = source.size() / 2;
-    for (std::size_t pos = 0; pos < units;) {
-        uint32_t ch = unit(pos++);
-        if (ch >= 0xD800 && ch <= 0xDBFF && pos < units && unit(pos) >= 0xDC00 && unit(pos) <= 0xDFFF)
-            ch = 0x10000 + ((ch - 0xD800) << 10) + (unit(pos++) - 0xDC00);
-        const Found found = toCharset(t, ch);
-        if (found.substituted) result.status = -3;
-        if (!putCode(result.bytes, found.value, room)) {
-            result.status = 2;
-            break;
-        }
-    }
-    result.outLen = static_cast<uint32_t>(result.bytes.size());
-    return result;
+    return unicodeToCharset(t, readCharacters(form(true, swap), source, real::Reading::byCharacter), false, room);
 }
 
 }  // namespace nls::reference

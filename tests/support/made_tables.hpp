@@ -41,6 +41,13 @@ inline std::array<unsigned char, 256> identityMap() {
     return map;
 }
 
+// Maps a to b, b to c, and so on; all others to themselves.
+inline MadeTable shifted() {
+    auto map = identityMap();
+    for (unsigned c = 'a'; c < 'z'; ++c) map[c] = static_cast<unsigned char>(c + 1);
+    return MadeTable::byteMap(map);
+}
+
 // The 256 units of a single-byte charset, by byte.
 using Units = std::array<uint16_t, 256>;
 
