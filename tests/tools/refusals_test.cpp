@@ -1,6 +1,8 @@
 // Every description that the format can't hold is refused, and the message says where and why.
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 #include "tests/tools/map_folder.hpp"
 
 namespace nls::test {
@@ -76,6 +78,95 @@ TEST(Refusals, OfACharset) {
         const MapFolder folder;
         folder.charset("X", row.text);
         EXPECT_EQ(folder.refusal("charset X\n"), row.message) << row.text;
+    }
+}
+
+// Line 6 begins behind it. The charset has 8227 codes, among them A1A1, U+3000, and A3DC, U+FFE6.
+const std::string kMultiByte = "charset X\nkind multi-byte\nlength 1 A1-FE\ntrail A1-FE\nsource iconv EUC-KR\n";
+const std::string kThirdMap = "grid third lead A1-FE trail A1-FE\nforth third\n";
+const std::string kFirstMap = "grid first lead A1-FE trail A1-FE\n";
+
+// One multi-byte charset X; the beginnings of messages, behind the file's name. Some rows are lines behind kMultiByte.
+TEST(Refusals, OfAMultiByteCharset) {
+    const struct {
+        std::string text, message;
+    } rows[] = {
+        {"rings first", "6: \"rings\" means nothing in a multi-byte charset"},
+        {"source iconv UHC", "6: the charset has a source already"},
+        {"single A1", "6: byte A1 begins a double byte"},
+        {"single 7F-80", "6: bytes below 80 are ASCII"},
+        {"forth third", "6: the third map has no grid yet"},
+        {"grid fourth lead A1 trail A1", "6: \"fourth\" is no map"},
+        {"grid third lead A1-FE", "6: grid needs trail"},
+        {"grid third lead A1-FE trail", "6: the grid has no trail bytes"},
+        {kThirdMap + "grid third lead A1 trail A1", "8: the third map has a grid already"},
+        {"grid third lead A1-FE trail 41-5A 61-7A 81-FE", "6: three ranges of trail bytes don't inv"},
+        {"grid third lead A1 B1 C1 trail A1-FE", "6: the format holds two ranges of lead bytes"},
+        {"grid third lead A1-FE trail 40-7E 7E-FE", "6: the ranges of trail bytes overlap"},
+        {"grid third lead A1-FE trail 00-FF", "6: a row has 256 trail bytes"},
+        {kFirstMap + "direct first AC00-D7A3", "7: the third map alone is searched in the direct"},
+        {kThirdMap + "direct third FF00-10000", "8: the direct form ends at U+FFFF"},
+        {kThirdMap + "direct third 0-FFFF", "8: the block has more than 65535 code points"},
+        {kThirdMap + "rows third 2/2 A1-451", "8: the third map is searched in the direct form"},
+        {kFirstMap + "rows first 2 A1-451", "7: \"2\" are no shifts"},
+        {kFirstMap + "rows first 15/2 A1-451", "7: 15 is above 14"},
+        {kFirstMap + "rows first 2/2 A0-A3 B0 C0 D0 E0 F0", "7: 6 blocks; the format holds 5"},
+        {kFirstMap + "rows first 2/2 A0-B0 B0-C0", "7: the blocks overlap or aren't ascending"},
+        {kThirdMap + kFirstMap + "rows first 3/2 A0-A1 A4-C0", "9: the block at U+00A4 begins within"},
+        {kThirdMap + kFirstMap + "rows first 2/2 A1-8000 20000-2FFFF", "9: the blocks have too many"},
+        {kThirdMap + kFirstMap + "rows first 0/1 0-FFFF", "9: more than 65535 rows"},
+        {kThirdMap + kFirstMap + "rows first 2/4 A1-FFE6", "9: U+4E00 has the number 7123"},
+        {kThirdMap + kFirstMap + "rows first 2/2 A00-AFF", "9: no code point of the blocks is left"},
+        {"grid third lead A1-FE trail A1-FE", "6: the third map is looked at only if it has"},
+        {kThirdMap + kFirstMap, "8: the map has neither a way forth nor a way back"},
+        {kThirdMap + "grid second lead A1-FE trail A1-FE\nforth second", "8: no code is left for"},
+        {"grid third lead A2-FE trail A1-FE\nforth third", "1: no map has a way forth for A1A1 (U+3000)"},
+        {kThirdMap, "1: no map has a way back for U+00A1 (A2AE) and 8226 other"},
+        {"without ACF2-ACFE", "6: ACF2-ACFE: the source has no code of this range"},
+        {"yield C9A1-C9FE", "6: C9A1-C9FE: no code of this range has a character"},
+        {"back A5 C9A1", "6: C9A1 has no character"},
+        {"back A5 0", "6: 00 has no character"},
+        {"back 5C A1A1", "6: U+005C is ASCII"},
+        {"back 3000 A1A2", "6: U+3000 goes to A1A1 already"},
+        {"substitute C9A1", "1: the substitute C9A1 has no character"},
+        {"charset X\nkind multi-byte\nlength 1 A1-FE\n", "1: the charset has no source"},
+        {"charset X\nkind multi-byte\nsource icu NOPE\n", "3: ICU has no converter \"NOPE\""},
+        {"charset X\nkind multi-byte\nsource icu UTF-8 jis\n", "3: \"jis\" is no way to take rows over"},
+        {"charset X\nkind multi-byte\nlength 2 8F\nsource iconv EUC-JP\n", "1: a mapping of characters above"},
+        {"charset X\nkind multi-byte\nlength 1 87-FE\ntrail 40-7E A1-FE\nsource iconv BIG5-HKSCS\n",
+         "5: 8862 is a sequence of 2 code points"},
+        {"charset cp936\nkind multi-byte\nlength 1 A1-FE\ntrail A1-FE\nsource iconv EUC-KR\n",
+         "5: A2E6 is U+20AC; CP936 has the euro at 80"},
+        {"charset X\nkind multi-byte\nlength 1 C1-CF\ntrail 20-7F\nsource iconv ISO_6937\nsingle 80-FF\n",
+         "6: byte C1 begins a double byte"},
+    };
+    for (const auto& row : rows) {
+        const MapFolder folder;
+        const std::string name = row.text.starts_with("charset cp936") ? "cp936" : "X";
+        folder.charset(name, row.text.starts_with("charset ") ? row.text : kMultiByte + row.text + "\n");
+        const std::string message = folder.refusal("charset " + name + "\n");
+        EXPECT_TRUE(message.starts_with("charsets/" + name + ".txt:" + row.message)) << row.text << ": " << message;
+    }
+}
+
+// A way forth into a higher plane hangs on one block, which must leave the plane's last code point to the holes.
+TEST(Refusals, OfPlanesThatCantBeReached) {
+    std::ifstream file{dataFolder() / "charsets/CP950-HKSCS.txt"};
+    const std::string text{std::istreambuf_iterator<char>{file}, {}};
+    const std::string block = "20021-2F9D4";
+    ASSERT_NE(text.find(block), std::string::npos);
+    const struct {
+        const char *blocks, *message;
+    } rows[] = {
+        {"20021-21000 21020-2F9D4", "a plane of its own takes one block"},
+        {"20021-2FFFF", "the block has to end below U+2FFFF"},
+        {"20021-2F000", "no map has a way forth for "},
+    };
+    for (const auto& row : rows) {
+        const MapFolder folder;
+        folder.charset("CP950-HKSCS", std::string{text}.replace(text.find(block), block.size(), row.blocks));
+        const std::string message = folder.refusal("charset CP950-HKSCS\n");
+        EXPECT_NE(message.find(std::string{": "} + row.message), std::string::npos) << row.blocks << ": " << message;
     }
 }
 

@@ -1,152 +1,16 @@
-// The layout of multi-byte maps: what the format can't hold is refused, and what is packed reads back.
+// The layout of multi-byte maps: what is packed reads back.
 #include "tools/mkconvmap/ucs2_pack.hpp"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 
-#include "tools/mkconvmap/multi_byte.hpp"
 #include "tools/mkconvmap/ucs2_reader.hpp"
 
 namespace nls::mkconvmap {
 namespace {
 
 constexpr std::size_t kFirst = 0;
-
-CharsetSource describe(const std::string& text) {
-    const std::string path = testing::TempDir() + "ucs2_pack_test." + std::to_string(getpid()) + ".txt";
-    std::ofstream{path} << text;
-    CharsetSource charset = readCharset(path);
-    std::remove(path.c_str());
-    return charset;
-}
-
-// "LINE: reason" of the error, or "" where the charset is packed.
-std::string complaintOf(const std::string& text) {
-    try {
-        packMultiByte(describe(text));
-        return {};
-    } catch (const DescriptionError& error) {
-        const std::string what = error.what();
-        return what.substr(what.find(".txt:") + 5);
-    }
-}
-
-// Line 6 begins behind it. The charset has 8227 codes, among them A1A1, U+3000, and A3DC, U+FFE6.
-const std::string kHead = "charset X\nkind multi-byte\nlength 1 A1-FE\ntrail A1-FE\nsource iconv EUC-KR\n";
-const std::string kThirdMap = "grid third lead A1-FE trail A1-FE\nforth third\n";
-const std::string kFirstMap = "grid first lead A1-FE trail A1-FE\n";
-
-TEST(Ucs2Description, RefusesWhatTheFormatCantHold) {
-    const struct {
-        const char* why;
-        std::string lines;
-        std::string complaint;
-    } rows[] = {
-        {"unknown keyword", "rings first", "6: \"rings\" means nothing in a multi-byte charset"},
-        {"second source", "source iconv UHC", "6: the charset has a source already"},
-        {"single that leads", "single A1", "6: byte A1 begins a double byte"},
-        {"single in ASCII", "single 7F-80", "6: bytes below 80 are ASCII"},
-        {"map without grid", "forth third", "6: the third map has no grid yet"},
-        {"no such map", "grid fourth lead A1 trail A1", "6: \"fourth\" is no map"},
-        {"grid without trails", "grid third lead A1-FE", "6: grid needs trail"},
-        {"no trail ranges", "grid third lead A1-FE trail", "6: the grid has no trail bytes"},
-        {"grid twice", kThirdMap + "grid third lead A1 trail A1", "8: the third map has a grid already"},
-        {"three trail ranges", "grid third lead A1-FE trail 41-5A 61-7A 81-FE",
-         "6: three ranges of trail bytes don't inv"},
-        {"three lead ranges", "grid third lead A1 B1 C1 trail A1-FE", "6: the format holds two ranges of lead bytes"},
-        {"overlap", "grid third lead A1-FE trail 40-7E 7E-FE", "6: the ranges of trail bytes overlap"},
-        {"256 columns", "grid third lead A1-FE trail 00-FF", "6: a row has 256 trail bytes"},
-        {"direct form elsewhere", kFirstMap + "direct first AC00-D7A3",
-         "7: the third map alone is searched in the direct"},
-        {"direct beyond the plane", kThirdMap + "direct third FF00-10000", "8: the direct form ends at U+FFFF"},
-        {"direct too large", kThirdMap + "direct third 0-FFFF", "8: the block has more than 65535 code points"},
-        {"rows in the third map", kThirdMap + "rows third 2/2 A1-451",
-         "8: the third map is searched in the direct form"},
-        {"shifts", kFirstMap + "rows first 2 A1-451", "7: \"2\" are no shifts"},
-        {"row shift", kFirstMap + "rows first 15/2 A1-451", "7: 15 is above 14"},
-        {"six triples", kFirstMap + "rows first 2/2 A0-A3 B0 C0 D0 E0 F0", "7: 6 blocks; the format holds 5"},
-        {"blocks overlap", kFirstMap + "rows first 2/2 A0-B0 B0-C0", "7: the blocks overlap or aren't ascending"},
-        {"blocks share a row", kThirdMap + kFirstMap + "rows first 3/2 A0-A1 A4-C0",
-         "9: the block at U+00A4 begins within"},
-        {"blocks beyond 16 bits", kThirdMap + kFirstMap + "rows first 2/2 A1-8000 20000-2FFFF",
-         "9: the blocks have too many"},
-        {"65536 rows", kThirdMap + kFirstMap + "rows first 0/1 0-FFFF", "9: more than 65535 rows"},
-        {"value too large", kThirdMap + kFirstMap + "rows first 2/4 A1-FFE6", "9: U+4E00 has the number 7123"},
-        {"no such code points", kThirdMap + kFirstMap + "rows first 2/2 A00-AFF",
-         "9: no code point of the blocks is left"},
-        {"third map without way forth", "grid third lead A1-FE trail A1-FE",
-         "6: the third map is looked at only if it has"},
-        {"idle map", kThirdMap + kFirstMap, "8: the map has neither a way forth nor a way back"},
-        {"idle way forth", kThirdMap + "grid second lead A1-FE trail A1-FE\nforth second", "8: no code is left for"},
-        {"codes without a map", "grid third lead A2-FE trail A1-FE\nforth third",
-         "1: no map has a way forth for A1A1 (U+3000)"},
-        {"code points without a map", kThirdMap, "1: no map has a way back for U+00A1 (A2AE) and 8226 other"},
-        {"nothing left out", "without ACF2-ACFE", "6: ACF2-ACFE: the source has no code of this range"},
-        {"nothing yields", "yield C9A1-C9FE", "6: C9A1-C9FE: no code of this range has a character"},
-        {"one way to nothing", "back A5 C9A1", "6: C9A1 has no character"},
-        {"one way to NUL", "back A5 0", "6: 00 has no character"},
-        {"one way from ASCII", "back 5C A1A1", "6: U+005C is ASCII"},
-        {"one way that is taken", "back 3000 A1A2", "6: U+3000 goes to A1A1 already"},
-        {"substitute", "substitute C9A1", "1: the substitute C9A1 has no character"},
-    };
-    for (const auto& row : rows) {
-        const std::string complaint = complaintOf(kHead + row.lines + "\n");
-        EXPECT_EQ(complaint.substr(0, row.complaint.size()), row.complaint) << row.why << ": " << complaint;
-    }
-}
-
-TEST(Ucs2Description, RefusesSourcesThatDontFit) {
-    const struct {
-        const char* why;
-        std::string text;
-        std::string complaint;
-    } rows[] = {
-        {"no source", "charset X\nkind multi-byte\nlength 1 A1-FE\n", "1: the charset has no source"},
-        {"unknown converter", "charset X\nkind multi-byte\nsource icu NOPE\n", "3: ICU has no converter \"NOPE\""},
-        {"unknown image", "charset X\nkind multi-byte\nsource icu UTF-8 jis\n",
-         "3: \"jis\" is no way to take rows over"},
-        {"three bytes", "charset X\nkind multi-byte\nlength 2 8F\nsource iconv EUC-JP\n",
-         "1: a mapping of characters above"},
-        {"sequences", "charset X\nkind multi-byte\nlength 1 87-FE\ntrail 40-7E A1-FE\nsource iconv BIG5-HKSCS\n",
-         "5: 8862 is a sequence of 2 code points"},
-        {"euro of CP936", "charset cp936\nkind multi-byte\nlength 1 A1-FE\ntrail A1-FE\nsource iconv EUC-KR\n",
-         "5: A2E6 is U+20AC; CP936 has the euro at 80"},
-        {"ASCII in the map",
-         "charset X\nkind multi-byte\nlength 1 C1-CF\ntrail 20-7F\nsource iconv ISO_6937\nsingle 80-FF\n",
-         "6: byte C1 begins a double byte"},
-    };
-    for (const auto& row : rows) {
-        const std::string complaint = complaintOf(row.text);
-        EXPECT_EQ(complaint.substr(0, row.complaint.size()), row.complaint) << row.why << ": " << complaint;
-    }
-}
-
-// A way forth into a higher plane hangs on one block, which must leave the plane's last code point to the holes.
-TEST(Ucs2Description, RefusesPlanesThatCantBeReached) {
-    std::ifstream file{std::filesystem::path{NLS_TEST_DATA}.parent_path().parent_path() /
-                       "data/charsets/CP950-HKSCS.txt"};
-    const std::string text{std::istreambuf_iterator<char>{file}, {}};
-    const std::string block = "20021-2F9D4";
-    ASSERT_NE(text.find(block), std::string::npos);
-    const struct {
-        const char* blocks;
-        std::string complaint;
-    } rows[] = {
-        {"20021-21000 21020-2F9D4", "a plane of its own takes one block"},
-        {"20021-2FFFF", "the block has to end below U+2FFFF"},
-        {"20021-2F000", "no map has a way forth for "},
-    };
-    for (const auto& row : rows) {
-        const std::string complaint =
-            complaintOf(std::string{text}.replace(text.find(block), block.size(), row.blocks));
-        EXPECT_NE(complaint.find(": " + row.complaint), std::string::npos) << row.blocks << ": " << complaint;
-    }
-}
 
 // A small world: a grid of two lead and two trail ranges in the first map, random characters in two far blocks.
 struct World {
