@@ -60,16 +60,6 @@ void expectConverts(nlsConversion* conversion) {
     EXPECT_STREQ(to, "\xC3\x84\xC3\xA4");
 }
 
-TEST(DatabaseLocale, IsFoundLikeAnyOther) {
-    OpenHandle open{smallWorld().build()};
-    DatabaseLocale database{open, "LATIN"};
-    nlsLocale* found = nullptr;
-    EXPECT_EQ(findLocale(open.handle, "latin", "STORED", nullptr, &found), NLS_OK);
-    EXPECT_EQ(found, database.get());
-    database.closeAndFree();
-    EXPECT_EQ(findLocale(open.handle, "latin", "STORED", nullptr, &found), NLS_BAD_LOCALE);
-}
-
 TEST(DatabaseLocale, ConversionsOutliveIt) {
     OpenHandle open{smallWorld().build()};
     nlsLocale* const utf8 = open.locale("UTF-8");
@@ -94,13 +84,17 @@ TEST(DatabaseLocale, ConversionsOutliveIt) {
     EXPECT_NE(open.conversion("UTF-8", "CYRILLIC"), nullptr);
 }
 
-TEST(DatabaseLocale, OnBothSidesOfOneConversion) {
+TEST(DatabaseLocale, IsFoundLikeAnyOtherOnBothSidesOfOneConversion) {
     OpenHandle open{smallWorld().build()};
     DatabaseLocale database{open, "LATIN"};
+    nlsLocale* found = nullptr;
+    EXPECT_EQ(findLocale(open.handle, "latin", "STORED", nullptr, &found), NLS_OK);
+    EXPECT_EQ(found, database.get());
     nlsConversion* same = nullptr;
-    ASSERT_EQ(nlsCreateConversion(open.handle, database.get(), database.get(), &same), NLS_OK);
+    ASSERT_EQ(nlsCreateConversion(open.handle, found, found, &same), NLS_OK);
     EXPECT_EQ(same->table, nullptr);
     database.closeAndFree();
+    EXPECT_EQ(findLocale(open.handle, "latin", "STORED", nullptr, &found), NLS_BAD_LOCALE);
     EXPECT_EQ(open.conversion("LATIN", "LATIN"), same);
 }
 
@@ -112,12 +106,9 @@ TEST(DatabaseLocale, LeavesTheChainFromAnyPlace) {
         for (int i = 0; i < 3; ++i) locales.push_back(std::make_unique<DatabaseLocale>(open, "LATIN"));
         locales[static_cast<std::size_t>(place)]->closeAndFree();
         locales.erase(locales.begin() + place);
-        EXPECT_EQ(open.handle->chainHead, &locales[1]->get()->hdr);
-        EXPECT_EQ(locales[1]->get()->hdr.prev, nullptr);
-        EXPECT_EQ(locales[1]->get()->hdr.next, &locales[0]->get()->hdr);
-        EXPECT_EQ(locales[0]->get()->hdr.prev, &locales[1]->get()->hdr);
-        EXPECT_EQ(locales[0]->get()->hdr.next, before);
-        EXPECT_EQ(before->prev, &locales[0]->get()->hdr);
+        const nlsHdr &newer = locales[1]->get()->hdr, &older = locales[0]->get()->hdr;
+        EXPECT_TRUE(open.handle->chainHead == &newer && newer.next == &older && older.next == before) << place;
+        EXPECT_TRUE(newer.prev == nullptr && older.prev == &newer && before->prev == &older) << place;
         for (const auto& locale : locales) locale->closeAndFree();
         EXPECT_EQ(open.handle->chainHead, before);
     }

@@ -7,97 +7,24 @@ namespace nls::real {
 
 namespace {
 
-constexpr Pairing kPairings[] = {
-    {"708", Library::icu, "ISO-8859-6"},
-    {"708", Library::iconv, "ISO-8859-6"},
-    {"720", Library::icu, "ibm-720_P100-1997"},
-    {"ISO8859-1", Library::icu, "ISO-8859-1"},
-    {"ISO8859-1", Library::iconv, "ISO-8859-1"},
-    {"ISO8859-2", Library::icu, "ISO-8859-2"},
-    {"ISO8859-2", Library::iconv, "ISO-8859-2"},
-    {"ISO8859-5", Library::icu, "ISO-8859-5"},
-    {"ISO8859-5", Library::iconv, "ISO-8859-5"},
-    {"ISO8859-8", Library::icu, "ISO-8859-8"},
-    {"ISO8859-8", Library::iconv, "ISO-8859-8"},
-    {"ISO8859-15", Library::icu, "ISO-8859-15"},
-    {"ISO8859-15", Library::iconv, "ISO-8859-15"},
-    {"ROMAN-8", Library::icu, "ibm-1051_P100-1995"},
-    {"ROMAN-8", Library::iconv, "HP-ROMAN8"},
-    {"KOI8-R", Library::icu, "KOI8-R"},
-    {"KOI8-R", Library::iconv, "KOI8-R"},
-    {"620-2533", Library::icu, "windows-874-2000"},
-    {"620-2533", Library::iconv, "TIS-620"},
-    {"1250", Library::icu, "ibm-5346_P100-1998"},
-    {"1250", Library::iconv, "CP1250"},
-    {"1251", Library::icu, "ibm-5347_P100-1998"},
-    {"1251", Library::iconv, "CP1251"},
-    {"1252", Library::icu, "ibm-5348_P100-1997"},
-    {"1252", Library::iconv, "CP1252"},
-    {"1253", Library::icu, "ibm-5349_P100-1998"},
-    {"1253", Library::iconv, "CP1253"},
-    {"1254", Library::icu, "ibm-5350_P100-1998"},
-    {"1254", Library::iconv, "CP1254"},
-    {"1256", Library::icu, "ibm-9448_X100-2005"},
-    {"1256", Library::iconv, "CP1256"},
-    {"1257", Library::icu, "ibm-9449_P100-2002"},
-    {"1257", Library::iconv, "CP1257"},
-    {"IBM437", Library::icu, "ibm-437_P100-1995"},
-    {"IBM437", Library::iconv, "IBM437"},
-    {"IBM850", Library::icu, "ibm-850_P100-1995"},
-    {"IBM850", Library::iconv, "IBM850"},
-    {"IBM851", Library::icu, "ibm-851_P100-1995"},
-    {"IBM851", Library::iconv, "IBM851"},
-    {"IBM852", Library::icu, "ibm-852_P100-1995"},
-    {"IBM852", Library::iconv, "IBM852"},
-    {"IBM857", Library::icu, "ibm-857_P100-1995"},
-    {"IBM857", Library::iconv, "IBM857"},
-    {"IBM858", Library::icu, "ibm-858_P100-1997"},
-    {"IBM858", Library::iconv, "IBM858"},
-    {"IBM861", Library::icu, "ibm-861_P100-1995"},
-    {"IBM861", Library::iconv, "IBM861"},
-    {"IBM862", Library::icu, "ibm-862_P100-1995"},
-    {"IBM862", Library::iconv, "IBM862"},
-    {"IBM866", Library::icu, "ibm-866_P100-1995"},
-    {"IBM866", Library::iconv, "IBM866"},
-    {"MAZOVIA", Library::icu, "ibm-437_P100-1995"},
-    {"MAZOVIA", Library::iconv, "IBM437"},
-    {"IBM037", Library::icu, "ibm-37_P100-1995"},
-    {"IBM037", Library::iconv, "IBM037"},
-    {"IBM273", Library::icu, "ibm-273_P100-1995"},
-    {"IBM273", Library::iconv, "IBM273"},
-    {"IBM277", Library::icu, "ibm-277_P100-1995"},
-    {"IBM277", Library::iconv, "IBM277"},
-    {"IBM278", Library::icu, "ibm-278_P100-1995"},
-    {"IBM278", Library::iconv, "IBM278"},
-    {"IBM280", Library::icu, "ibm-280_P100-1995"},
-    {"IBM280", Library::iconv, "IBM280"},
-    {"IBM284", Library::icu, "ibm-284_P100-1995"},
-    {"IBM284", Library::iconv, "IBM284"},
-    {"IBM297", Library::icu, "ibm-297_P100-1995"},
-    {"IBM297", Library::iconv, "IBM297"},
-    {"IBM500", Library::icu, "ibm-500_P100-1995"},
-    {"IBM500", Library::iconv, "IBM500"},
-    {"SHIFT-JIS", Library::icu, "ibm-943_P15A-2003"},
-    {"SHIFT-JIS", Library::iconv, "CP932"},
-    {"EUCJIS", Library::icu, "ibm-33722_P12A_P12A-2009_U2"},
-    {"EUCJIS", Library::iconv, "EUC-JP-MS"},
-    {"KSC5601", Library::icu, "ibm-970_P110_P110-2006_U2"},
-    {"KSC5601", Library::iconv, "EUC-KR"},
-    {"CP949", Library::icu, "windows-949-2000"},
-    {"CP949", Library::iconv, "UHC"},
-    {"CP1361", Library::iconv, "JOHAB"},
-    {"GB2312", Library::icu, "ibm-1383_P110-1999"},
-    {"GB2312", Library::iconv, "EUC-CN"},
-    {"CP936", Library::icu, "windows-936-2000"},
-    {"CP936", Library::iconv, "GBK"},
-    {"BIG-5", Library::icu, "windows-950-2000"},
-    {"BIG-5", Library::iconv, "BIG5"},
-    {"CP950", Library::icu, "windows-950-2000"},
-    {"CP950", Library::iconv, "BIG5"},
-    {"CP950-HKSCS", Library::icu, "ibm-1375_P100-2008"},
-    {"CP950-HKSCS", Library::iconv, "BIG5-HKSCS"},
-    {"ISO6937", Library::iconv, "ISO_6937"},
-};
+// Charsets with ICU's and iconv's names for them; "-" where one has none.
+constexpr const char* kConverters = R"(
+708 ISO-8859-6 ISO-8859-6 | 720 ibm-720_P100-1997 - | ISO8859-1 ISO-8859-1 ISO-8859-1 |
+ISO8859-2 ISO-8859-2 ISO-8859-2 | ISO8859-5 ISO-8859-5 ISO-8859-5 | ISO8859-8 ISO-8859-8 ISO-8859-8 |
+ISO8859-15 ISO-8859-15 ISO-8859-15 | ROMAN-8 ibm-1051_P100-1995 HP-ROMAN8 | KOI8-R KOI8-R KOI8-R |
+620-2533 windows-874-2000 TIS-620 | 1250 ibm-5346_P100-1998 CP1250 | 1251 ibm-5347_P100-1998 CP1251 |
+1252 ibm-5348_P100-1997 CP1252 | 1253 ibm-5349_P100-1998 CP1253 | 1254 ibm-5350_P100-1998 CP1254 |
+1256 ibm-9448_X100-2005 CP1256 | 1257 ibm-9449_P100-2002 CP1257 | IBM437 ibm-437_P100-1995 IBM437 |
+IBM850 ibm-850_P100-1995 IBM850 | IBM851 ibm-851_P100-1995 IBM851 | IBM852 ibm-852_P100-1995 IBM852 |
+IBM857 ibm-857_P100-1995 IBM857 | IBM858 ibm-858_P100-1997 IBM858 | IBM861 ibm-861_P100-1995 IBM861 |
+IBM862 ibm-862_P100-1995 IBM862 | IBM866 ibm-866_P100-1995 IBM866 | MAZOVIA ibm-437_P100-1995 IBM437 |
+IBM037 ibm-37_P100-1995 IBM037 | IBM273 ibm-273_P100-1995 IBM273 | IBM277 ibm-277_P100-1995 IBM277 |
+IBM278 ibm-278_P100-1995 IBM278 | IBM280 ibm-280_P100-1995 IBM280 | IBM284 ibm-284_P100-1995 IBM284 |
+IBM297 ibm-297_P100-1995 IBM297 | IBM500 ibm-500_P100-1995 IBM500 | SHIFT-JIS ibm-943_P15A-2003 CP932 |
+EUCJIS ibm-33722_P12A_P12A-2009_U2 EUC-JP-MS | KSC5601 ibm-970_P110_P110-2006_U2 EUC-KR |
+CP949 windows-949-2000 UHC | CP1361 - JOHAB | GB2312 ibm-1383_P110-1999 EUC-CN | CP936 windows-936-2000 GBK |
+BIG-5 windows-950-2000 BIG5 | CP950 windows-950-2000 BIG5 | CP950-HKSCS ibm-1375_P100-2008 BIG5-HKSCS |
+ISO6937 - ISO_6937)";
 
 constexpr Axis codes = Axis::codes, codePoints = Axis::codePoints;
 constexpr unsigned icu = 1U << static_cast<int>(Library::icu), iconv = 1U << static_cast<int>(Library::iconv);
@@ -219,8 +146,17 @@ bool holdsFor(const Difference& row, const Pairing& pairing) {
 
 }  // namespace
 
-std::span<const Pairing> pairings() {
-    return kPairings;
+const std::vector<Pairing>& pairings() {
+    static const std::vector<Pairing> all = [] {
+        std::vector<Pairing> rows;
+        std::istringstream words(kConverters);
+        for (std::string charset, icuName, iconvName, bar; words >> charset >> icuName >> iconvName; words >> bar) {
+            if (icuName != "-") rows.push_back({charset, Library::icu, icuName});
+            if (iconvName != "-") rows.push_back({charset, Library::iconv, iconvName});
+        }
+        return rows;
+    }();
+    return all;
 }
 
 std::vector<const Difference*> differencesOf(const Pairing& pairing) {
@@ -232,13 +168,13 @@ std::vector<const Difference*> differencesOf(const Pairing& pairing) {
 }
 
 bool isFiller(const std::string& charset, unsigned char byte) {
-    for (const Pairing& pairing : kPairings) {
+    for (const Pairing& pairing : pairings()) {
         if (pairing.charset != charset) continue;
         const auto covers = [&](const Difference& row) {
             return holdsFor(row, pairing) && row.first <= byte && byte <= row.last;
         };
         if (std::any_of(std::begin(kFillers), std::end(kFillers), covers) &&
-            decodeByPeer(pairing.library, pairing.converter, byte) == kNone)
+            decodeByPeer(pairing.library, pairing.converter.c_str(), byte) == kNone)
             return true;
     }
     return false;

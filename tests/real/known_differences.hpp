@@ -2,7 +2,7 @@
 // differently.
 #pragma once
 
-#include <span>
+#include <vector>
 
 #include "tests/real/peers.hpp"
 
@@ -10,9 +10,9 @@ namespace nls::real {
 
 // One converter and one charset that it is held against.
 struct Pairing {
-    const char* charset;
+    std::string charset;
     Library library;
-    const char* converter;
+    std::string converter;
 };
 
 // A range of codes or of code points, and how many of them both sides give different answers for, or one of them none.
@@ -28,7 +28,7 @@ struct Difference {
     const char* reason;
 };
 
-std::span<const Pairing> pairings();
+const std::vector<Pairing>& pairings();
 // The rows of one pairing.
 std::vector<const Difference*> differencesOf(const Pairing& pairing);
 

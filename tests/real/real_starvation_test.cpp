@@ -1,5 +1,5 @@
-// The real file in little memory, and with reads that fail: everything can be made from the smallest block on, with
-// buffers added as they are asked for, and what is made late works like what is made at once.
+// The real file in little memory: everything can be made from the smallest block on, with buffers added as they are
+// asked for, and what is made late works like what is made at once. Failing reads: tests/convmap/starvation_test.cpp.
 #include <set>
 
 #include "tests/real/foretold.hpp"
@@ -88,76 +88,6 @@ TEST(RealStarvation, EverythingFromTheSmallestBlock) {
         }
     EXPECT_EQ(hungry.refused(), kLarge);
     EXPECT_GT(made, 800U);
-}
-
-// The block runs out at another place each time.
-TEST(RealStarvation, BlocksOfEverySize) {
-    constexpr const char* kPairs[][2] = {{"SHIFT-JIS", "UTF-8"},  {"UTF-8", "1252"},  {"KOI8-R", "UTF-16BE"},
-                                         {"EUCJIS", "SHIFT-JIS"}, {"UTF-8", "CP936"}, {"GB2312", "UTF-16LE"}};
-    for (int32_t size = NLS_SMALLEST_BLOCK; size < NLS_SMALLEST_BLOCK + 12000; size += 88) {
-        Hungry hungry(size);
-        for (const auto& pair : kPairs) {
-            const nlsConversion* const have = hungry.conversion(pair[0], pair[1]);
-            ASSERT_NE(have, nullptr) << pair[0] << " to " << pair[1] << " in a block of " << size;
-            expectWorksAlike(*have, RealFile::shared().conversion(pair[0], pair[1]));
-        }
-    }
-}
-
-// A pair that isn't there is told so at once, in any memory.
-TEST(RealStarvation, WhatIsMissingIsMissing) {
-    OpenHandle open(dataFile());
-    nlsConversion* made = nullptr;
-    EXPECT_EQ(nlsCreateConversion(open.handle, open.locale("1252"), open.locale("SHIFT-JIS"), &made),
-              NLS_NO_CONV_TABLE);
-    EXPECT_EQ(made, nullptr);
-}
-
-// One read after the other comes back short while a conversion is made, or a byte too long. The record of the
-// conversion itself is told as 21; its maps, and the record of another table that it needs, as 8.
-void expectEachReadMadeUpFor(const std::string& from, const std::string& to, int test::MemoryFile::*fault) {
-    for (int read = 0;; ++read) {
-        OpenHandle open(dataFile(), 400000);
-        nlsLocale *const source = open.locale(from.c_str()), *const target = open.locale(to.c_str());
-        nlsConversion* made = nullptr;
-        open.file.*fault = open.file.reads + read;
-        nlsStatus status = nlsCreateConversion(open.handle, source, target, &made);
-        if (status == NLS_OK) {
-            EXPECT_GE(read, 1) << from << " to " << to;
-            return;
-        }
-        EXPECT_EQ(made, nullptr);
-        const bool isOwnRecord = read == 0 && from != "UTF-8" && from != "UTF-16BE" && to != "UTF-16BE";
-        EXPECT_EQ(status, isOwnRecord ? NLS_READ_FAILED : NLS_NO_CONV_TABLE) << from << " to " << to << ": " << read;
-        status = nlsCreateConversion(open.handle, source, target, &made);
-        ASSERT_EQ(status, NLS_OK) << from << " to " << to << ", read " << read;
-        expectWorksAlike(*made, RealFile::shared().conversion(from, to));
-    }
-}
-
-TEST(RealReads, EachReadOfAConversionMayFail) {
-    std::vector<std::pair<std::string, std::string>> pairs = {{"1252", "UTF-8"}, {"UTF-8", "1252"}, {"1252", "IBM850"}};
-    for (const std::string& charset : RealFile::shared().legacyCharsets()) {
-        if (!CharsetModel::of(charset).isMultiByte()) continue;
-        for (const char* const form : {"UTF-8", "UTF-16BE"}) {
-            pairs.emplace_back(charset, form);
-            pairs.emplace_back(form, charset);
-        }
-    }
-    for (const auto& [from, to] : pairs) {
-        expectEachReadMadeUpFor(from, to, &test::MemoryFile::cutRead);
-        expectEachReadMadeUpFor(from, to, &test::MemoryFile::overRead);
-    }
-}
-
-// Opening reads the header, then each entry.
-TEST(RealReads, EachReadOfTheContentsMayFail) {
-    const int entries = OpenHandle(dataFile()).handle->tocCount;
-    for (int read = 0; read <= entries + 1; ++read) {
-        const OpenHandle open(OpenHandle::kPlenty, dataFile(), read);
-        const nlsStatus want = read == 0 ? NLS_BAD_MAGIC : read <= entries ? NLS_BAD_TOC : NLS_OK;
-        EXPECT_EQ(open.status, want) << "read " << read;
-    }
 }
 
 }  // namespace
