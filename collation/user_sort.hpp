@@ -7,11 +7,21 @@
 
 namespace nls {
 
+// Where a handle keeps what it knows of the sort; for those who may not see the handle itself.
+struct UserSortSlot {
+    uint64_t* handle;  // the site's value
+    uint32_t* open;    // 1 once it is open
+};
+
+inline UserSortSlot userSortSlotOf(nlsHandle& handle) {
+    return {&handle.userSortHandle, &handle.userSortOpen};
+}
+
 // Opens the sort for a handle, unless it is open already.
-inline nlsStatus openUserSort(nlsHandle& handle, const char* collationName) {
-    if (handle.userSortOpen != 0) return NLS_OK;
-    if (UserSortInit(collationName, &handle.userSortHandle) != 0) return NLS_BAD_COLLATION;
-    handle.userSortOpen = 1;
+inline nlsStatus openUserSort(UserSortSlot slot, const char* collationName) {
+    if (*slot.open != 0) return NLS_OK;
+    if (UserSortInit(collationName, slot.handle) != 0) return NLS_BAD_COLLATION;
+    *slot.open = 1;
     return NLS_OK;
 }
 

@@ -1,9 +1,13 @@
-// Door: the loaders of attribute and conversion tables.
+// Door: the loaders of attribute, conversion, collation and case tables.
 #include "convmap/attrib_table.hpp"
+#include "convmap/case_table_load.hpp"
+#include "convmap/coll_derive.hpp"
+#include "convmap/coll_table_load.hpp"
 #include "convmap/conv_table_load.hpp"
 #include "convmap/inverse_table.hpp"
 #include "convmap/ucs2_maps.hpp"
 #include "convmap/utf8_tables.hpp"
+#include "core/base/charset.hpp"
 #include "core/base/checks.hpp"
 #include "nls/inner.h"
 
@@ -68,4 +72,36 @@ nlsStatus computeUtf8TableData(nlsHandle* handle, const char* from, const char* 
     if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
     const nls::ByteView bytes{reinterpret_cast<const unsigned char*>(units), 256 * sizeof *units};
     return handOut(nls::buildSbcsTables(nls::loadContextOf(*handle), {from, to}, type, bytes), table);
+}
+
+nlsStatus nlsGetCollStructPtr(nlsHandle* handle, const nlsAttribStruct* attrib, const char* charset,
+                              const char* collationName, nlsCollStruct** coll) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    const bool mayDerive = attrib != nullptr && nls::Charset{*attrib}.isSingleByte();
+    return handOut(nls::loadCollation(nls::loadContextOf(*handle), charset, collationName, mayDerive), coll);
+}
+
+nlsStatus convCollTable(nlsHandle* handle, const char* charset, const char* collationName, nlsCollStruct** coll) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    return handOut(nls::deriveCollation(nls::loadContextOf(*handle), charset, collationName), coll);
+}
+
+void utMungeCollation(unsigned char* map, const nlsConvTable* table) {
+    if (map == nullptr) return;
+    nls::moveWeights(nls::WeightMapRef{map, nls::kWeights}, nls::ConvTable{table});
+}
+
+nlsStatus getCaseStructPtr(nlsHandle* handle, const char* charset, const char* caseName, nlsCaseStruct** caseTable) {
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    return handOut(nls::loadCaseTable(nls::loadContextOf(*handle), charset, caseName), caseTable);
+}
+
+nlsStatus computeUCCaseTableData(nlsHandle* handle, const void* record, nlsUnicodeCaseStruct* caseTable,
+                                 unsigned char* cursor, uint32_t remaining) {
+    const nls::ByteView bytes{static_cast<const unsigned char*>(record), nls::format::unicode_case::kSize};
+    if (cursor != nullptr)
+        return nls::buildUnicodeCaseTable(nls::Arena{cursor, remaining}, bytes, *caseTable) ? NLS_OK : NLS_BUF_SMALL;
+    if (const nlsStatus bad = nls::checkHandle(handle)) return bad;
+    const nls::Arena arena{handle->freePtr, handle->freeBytes};
+    return nls::buildUnicodeCaseTable(arena, bytes, *caseTable) ? NLS_OK : NLS_NO_MEM;
 }

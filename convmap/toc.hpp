@@ -55,6 +55,12 @@ inline nlsAttribStruct* cachedAttributes(const nlsTocEntry& entry) {
 inline nlsConvTable* cachedTable(const nlsTocEntry& entry) {
     return static_cast<nlsConvTable*>(entry.data);
 }
+inline nlsCollStruct* cachedCollation(const nlsTocEntry& entry) {
+    return static_cast<nlsCollStruct*>(entry.data);
+}
+inline nlsCaseStruct* cachedCaseTable(const nlsTocEntry& entry) {
+    return static_cast<nlsCaseStruct*>(entry.data);
+}
 
 // What reading the contents came to. The entries are complete only with NLS_OK.
 struct ReadContents {

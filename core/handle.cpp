@@ -19,6 +19,11 @@ void takeFrom(nlsHandle& handle, ByteSpan buffer, std::size_t skipped) {
     handle.freeBytes = static_cast<uint32_t>(rest.size());
 }
 
+// The head of the list of collations, which a HandleBlock has behind its first buffer's record.
+void makeCollationList(nlsHandle& handle) {
+    Arena{handle.freePtr, handle.freeBytes}.make<nlsCollStruct*>();
+}
+
 void recordBuffer(nlsHandle& handle, ByteSpan buffer) {
     auto* const record = Arena{handle.freePtr, handle.freeBytes}.make<nlsBufferRec>();
     record->base = buffer.data();
@@ -37,6 +42,7 @@ OpenedHandle openHandle(ByteSpan block, nlsReadFn readFn, uint32_t fileHandle) {
     handle.hdr.serial = 1;
     takeFrom(handle, block, sizeof handle);
     recordBuffer(handle, block);
+    makeCollationList(handle);
     handle.readFn = readFn;
     handle.fileHandle = fileHandle;
     const BusyGuard busy{handle};

@@ -1,6 +1,8 @@
 #include "core/locale_create.hpp"
 
 #include "convmap/attrib_table.hpp"
+#include "convmap/case_table_load.hpp"
+#include "convmap/coll_table_load.hpp"
 #include "core/base/busy_guard.hpp"
 #include "core/base/charset.hpp"
 #include "core/base/names.hpp"
@@ -39,25 +41,34 @@ bool answersTo(const char* name, const char* wanted) {
     return wanted == nullptr ? isEmpty(name) : sameName(name, wanted);
 }
 
-// The collation a locale names. Tables of collations aren't read yet: no name is known.
-nlsStatus loadCollation(nlsLocale& locale) {
-    return isEmpty(locale.collationName) ? NLS_OK : NLS_NO_COLL_TABLE;
+nlsStatus fillAttributes(const LoadContext& context, nlsLocale& locale, const char* charset) {
+    const Loaded<nlsAttribStruct> attrib = loadAttributes(context, charset);
+    if (attrib.status == NLS_OK) locale.attrib = attrib.object;
+    return attrib.status;
 }
 
-// The case table a locale names. Case tables aren't read yet: no name is known.
-nlsStatus loadCaseTable(nlsLocale& locale) {
-    return isEmpty(locale.caseName) ? NLS_OK : NLS_NO_CASE_TABLE;
+nlsStatus fillCollation(const LoadContext& context, nlsLocale& locale, const char* charset) {
+    if (isEmpty(locale.collationName)) return NLS_OK;
+    const bool mayDerive = Charset{*locale.attrib}.isSingleByte();
+    const Loaded<nlsCollStruct> coll = loadCollation(context, charset, locale.collationName, mayDerive);
+    if (coll.status == NLS_OK) locale.coll = coll.object;
+    return coll.status;
+}
+
+nlsStatus fillCaseTable(const LoadContext& context, nlsLocale& locale, const char* charset) {
+    if (isEmpty(locale.caseName)) return NLS_OK;
+    const Loaded<nlsCaseStruct> caseTable = loadCaseTable(context, charset, locale.caseName);
+    if (caseTable.status == NLS_OK) locale.caseTable = caseTable.object;
+    return caseTable.status;
 }
 
 nlsStatus fillLocale(const LoadContext& context, nlsLocale& locale, LocaleNames names) {
     copyName(locale.charsetName, sizeof locale.charsetName, names.charset);
     copyName(locale.collationName, sizeof locale.collationName, collationToMake(names.collation));
     if (names.caseName != nullptr) copyName(locale.caseName, sizeof locale.caseName, names.caseName);
-    const Loaded<nlsAttribStruct> attrib = loadAttributes(context, names.charset);
-    if (attrib.status != NLS_OK) return attrib.status;
-    locale.attrib = attrib.object;
-    if (const nlsStatus bad = loadCollation(locale)) return bad;
-    return loadCaseTable(locale);
+    if (const nlsStatus bad = fillAttributes(context, locale, names.charset)) return bad;
+    if (const nlsStatus bad = fillCollation(context, locale, names.charset)) return bad;
+    return fillCaseTable(context, locale, names.charset);
 }
 
 CreatedLocale makeLocale(nlsHandle& handle, LocaleNames names) {

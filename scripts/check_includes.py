@@ -22,7 +22,7 @@ ARROWS = {
     "include": set(),
     "core/base": {"include"},
     "core": {"include", "core/base", "convmap", "collation/user_sort.hpp"},
-    "convmap": {"include", "core/base", "collation/user_sort.hpp"},
+    "convmap": {"include", "core/base", "collation/coll_kind.hpp", "collation/user_sort.hpp"},
     "chars": {"include", "core/base"},
     "conversion": {"include", "core/base", "convmap/conv_table.hpp", "convmap/dbcs_index.hpp"},
     "collation": {"include", "core/base", "chars", "conversion", "convmap/conv_table.hpp", "convmap/case_pages.hpp"},

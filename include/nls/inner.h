@@ -91,6 +91,46 @@ NLS_API NLS_CHECKED nlsStatus getUCS2Data(nlsHandle* handle, const char* from, c
 NLS_API NLS_CHECKED nlsStatus computeUtf8TableData(nlsHandle* handle, const char* from, const char* to, int64_t type,
                                                    const uint16_t* units, nlsConvTable** table);
 
+/* The collation of a charset. `attrib` is the attribute table of `charset`: where the file has no such collation and the
+   table says NLS_CHARSET_SINGLE_BYTE, it is derived as convCollTable tells, anew by each call. Null stands for a charset
+   without that bit. A name that begins with "ICU-" or "ICU_" is never looked for in the file. `coll` is written on
+   success alone. Each collation that is made becomes the newest of the handle: its nextColl is the one made before it.
+   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_COLL_TABLE; NLS_READ_FAILED; NLS_BAD_COLLATION (a record of kind 3 without
+   its two marks, one of kind 5, or a site's own sort that doesn't open). */
+NLS_API NLS_CHECKED nlsStatus nlsGetCollStructPtr(nlsHandle* handle, const nlsAttribStruct* attrib, const char* charset,
+                                                  const char* collationName, nlsCollStruct** coll);
+
+/* A new collation for a single-byte charset: the weights of the first charset in the file that has a collation of this
+   name and a plain byte map to `charset`, moved through that map. It isn't linked by nextColl. `coll` is written on
+   success alone. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_COLL_TABLE (no such charset, or its collation or the map
+   can't be had). */
+NLS_API NLS_CHECKED nlsStatus convCollTable(nlsHandle* handle, const char* charset, const char* collationName,
+                                            nlsCollStruct** coll);
+
+/* Moves the 256 weights of `map` to the bytes that a byte map gives for their own; of several weights for one byte that
+   of the highest source byte counts, and a byte that nothing maps to keeps its own. Null in `map`, or a table of another
+   type (null among them), does nothing. */
+NLS_API void utMungeCollation(unsigned char* map, const nlsConvTable* table);
+
+/* The case table of a charset; of a charset with NLS_CHARSET_UTF8 it is an nlsUnicodeCaseStruct. `caseTable` is written
+   on success alone. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_CASE_TABLE (also: a table of bytes for a charset with that
+   flag); NLS_READ_FAILED. */
+NLS_API NLS_CHECKED nlsStatus getCaseStructPtr(nlsHandle* handle, const char* charset, const char* caseName,
+                                               nlsCaseStruct** caseTable);
+
+/* Builds a Unicode case table from a record of the data file.
+
+   handle     where pages come from when `cursor` is null; not read otherwise
+   record     5968 bytes at any address; may be caseTable->caseRaw
+   caseTable  written on success alone
+   cursor     null, or a buffer of `remaining` bytes for the pages, which holds anything; at most caseBuildSize - 2056
+              bytes of it are used, and caseTable points into it
+
+   NLS_OK; NLS_BAD_HANDLE (with a null cursor); NLS_NO_MEM (the arena is used up); NLS_BUF_SMALL (the buffer is). */
+NLS_API NLS_CHECKED nlsStatus computeUCCaseTableData(nlsHandle* handle, const void* record,
+                                                     nlsUnicodeCaseStruct* caseTable, unsigned char* cursor,
+                                                     uint32_t remaining);
+
 NLS_END_DECLS
 
 #endif
