@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "core/base/handle_block.hpp"
 #include "nls/convert.h"
 #include "nls/inner.h"
 #include "nls/objects.h"
@@ -87,12 +88,46 @@ TEST(Starvation, ABufferAndTheSameCallMakeUpForASmallArena) {
     }
 }
 
+TEST(Starvation, CollationsAndCaseTablesAreMadeUpForToo) {
+    const Bytes file = smallWorld().build();
+    constexpr struct {
+        const char *charset, *collation, *caseName;
+        uint32_t tables;  // bytes
+    } rows[] = {{"LATIN", "basic", "basic", 584 + 516},
+                {"UTF-8", "basic", "basic", 584 + 8024 + 512 + 4 * 256},
+                {"CYRILLIC", "basic", "", 2 * 584 + 264}};
+    for (const auto& row : rows) {
+        const uint32_t needed = sizeof(nlsLocale) + sizeof(nlsAttribStruct) + row.tables + 8;
+        int starved = 0;
+        for (uint32_t left = 0; left <= needed; left += left < 64 || left + 64 > needed ? 1 : 37) {
+            OpenHandle open{file, 25000};
+            leave(open, left);
+            nlsLocale* locale = nullptr;
+            nlsStatus status = nlsCreateLocale(open.handle, row.charset, row.collation, row.caseName, &locale);
+            if (left == needed) {
+                EXPECT_EQ(status, NLS_OK) << row.charset << ": these are all the bytes that it takes";
+            }
+            if (status != NLS_OK) {
+                ++starved;
+                // 10: where the source of a derivation ran short.
+                EXPECT_TRUE(status == NLS_NO_MEM || (row.charset[0] == 'C' && status == NLS_NO_COLL_TABLE)) << status;
+                ASSERT_EQ(open.grow(), NLS_OK);
+                status = nlsCreateLocale(open.handle, row.charset, row.collation, row.caseName, &locale);
+            }
+            ASSERT_EQ(status, NLS_OK) << row.charset << " with " << left;
+            EXPECT_NE(locale->coll, nullptr);
+            EXPECT_EQ(locale->caseTable != nullptr, row.caseName[0] != 0);
+        }
+        EXPECT_GT(starved, 50) << row.charset;
+    }
+}
+
 // Contents just around the room of a small block.
 TEST(Starvation, TheContentsFitOrTheHandleIsNotOpened) {
     ConvmapBuilder builder;
     for (int i = 0; i < 400; ++i) builder.bare("A" + std::to_string(i), "B", 21);
     const Bytes file = builder.build();
-    const int32_t fits = static_cast<int32_t>(sizeof(nlsHandle) + sizeof(nlsBufferRec) + 400 * sizeof(nlsTocEntry));
+    const int32_t fits = static_cast<int32_t>(sizeof(nls::HandleBlock) + 400 * sizeof(nlsTocEntry));
     for (int32_t size = fits - 70; size < fits + 70; ++size) {
         OpenHandle open{file, size};
         EXPECT_EQ(open.status, size < fits ? NLS_NO_MEM : NLS_OK) << size - fits;

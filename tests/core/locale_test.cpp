@@ -81,6 +81,7 @@ TEST(Locale, FailuresLeaveTheChainAndTheOutArgumentAlone) {
         {"unknown collation", "LATIN", "klingon", nullptr, NLS_NO_COLL_TABLE},
         {"unknown case table", "LATIN", NLS_NO_COLLATION, "klingon", NLS_NO_CASE_TABLE},
         {"the charset is looked at first", "KLINGON", "klingon", "klingon", NLS_NO_ATTRIB_TABLE},
+        {"no name of ICU's is known", "LATIN", "ICU-de", nullptr, NLS_NO_COLL_TABLE},
         {"the collation is looked at second", "LATIN", "klingon", "klingon", NLS_NO_COLL_TABLE},
     };
     for (const auto& row : rows) {
@@ -161,7 +162,37 @@ TEST(Locale, AnEmptyCollationFindsBasicButMakesNone) {
     EXPECT_NE(second.locale, first.locale) << "without a basic locale each call makes another";
     EXPECT_EQ(second.locale->attrib, first.locale->attrib) << "but the table is shared";
     EXPECT_EQ(ask(open, "LATIN", NLS_NO_COLLATION, nullptr).locale, second.locale) << "the newest is found";
-    EXPECT_EQ(ask(open, "LATIN", nullptr, nullptr).status, NLS_NO_COLL_TABLE);
+    const Asked basic = ask(open, "LATIN", nullptr, nullptr);
+    EXPECT_STREQ(basic.locale->collationName, "basic");
+    EXPECT_EQ(ask(open, "LATIN", "", nullptr).locale, basic.locale);
+}
+
+TEST(Locale, BindsTheTablesThatItNames) {
+    OpenHandle open{smallWorld().build()};
+    const Asked latin = ask(open, "LATIN", "basic", "BASIC");
+    ASSERT_EQ(latin.status, NLS_OK);
+    EXPECT_STREQ(latin.locale->coll->collCharset, "LATIN");
+    EXPECT_EQ(latin.locale->caseTable->caseMapSize, 256);
+    EXPECT_EQ(ask(open, "LATIN", "basic", nullptr).locale->coll, latin.locale->coll) << "one table for both";
+
+    const Asked derived = ask(open, "CYRILLIC", "thai", nullptr);
+    ASSERT_EQ(derived.status, NLS_OK);
+    EXPECT_STREQ(derived.locale->coll->collCharset, "CYRILLIC");
+    EXPECT_EQ(ask(open, "cyrillic", "thai ", nullptr).locale, derived.locale);
+    EXPECT_EQ(ask(open, "LATIN", "site", nullptr).status, NLS_BAD_COLLATION) << "no site's sort in this program";
+    EXPECT_EQ(ask(open, "UTF-16", "basic", nullptr).status, NLS_NO_COLL_TABLE) << "no charset of single bytes";
+    EXPECT_EQ(ask(open, "UTF-8", "basic", "basic").locale->coll->collKind, 3);
+
+    // Names as the caller gives them find the tables; what the locale keeps of a long one is cut.
+    const std::string basic40 = "basic" + std::string(35, ' ');
+    EXPECT_EQ(std::strlen(ask(open, "CYRILLIC", basic40.c_str(), nullptr).locale->collationName), 31U);
+
+    // The companions have the same collation and case table, and must have them.
+    EXPECT_EQ(ask(open, "EUCJIS", "basic", "basic").status, NLS_NO_CASE_TABLE);
+    ASSERT_EQ(ask(open, "EUCJIS", "basic", nullptr).status, NLS_OK);
+    nlsLocale* sjis = nullptr;
+    ASSERT_EQ(findLocale(open.handle, "shift-jis", "basic", nullptr, &sjis), NLS_OK);
+    EXPECT_STREQ(sjis->coll->collCharset, "shift-jis");
 }
 
 TEST(Locale, ViaShiftJisBringsItsCompanions) {

@@ -18,6 +18,15 @@ using Bytes = std::vector<unsigned char>;
 using ByteMap = std::array<unsigned char, 256>;
 using UnitTable = std::array<uint16_t, 256>;
 
+inline ByteMap identityBytes() {
+    ByteMap map;
+    for (unsigned c = 0; c < 256; ++c) map[c] = static_cast<unsigned char>(c);
+    return map;
+}
+
+// Pairs of a Unicode case list: a character and its form.
+using CasePairs = std::vector<std::array<uint16_t, 2>>;
+
 // One map of a multi-byte charset with its arrays. The counts and offsets are filled in by the builder.
 struct MapSource {
     nlsUcs2Map map = {};
@@ -71,15 +80,42 @@ public:
         entry.maps.assign(sources.begin(), sources.end());
         return add(entry);
     }
-    ConvmapBuilder& collation(std::string_view charset, std::string_view name) {
+    ConvmapBuilder& collation(std::string_view charset, std::string_view name, unsigned char kind = 1,
+                              const ByteMap& exact = identityBytes(), const ByteMap& fold = identityBytes(),
+                              unsigned char subKind = 0) {
         Bytes record(format::collation::kSize);
         putSize(record, 256);
+        putBytes(record, format::collation::kExactMap, exact.data(), 256);
+        putBytes(record, format::collation::kFoldMap, fold.data(), 256);
+        record[format::collation::kKind.offset] = kind;
+        record[format::collation::kSubKind.offset] = subKind;
         return add({charset, name, format::EntryType::collation, 0, 0, record, "collation"});
     }
-    ConvmapBuilder& caseTable(std::string_view charset, std::string_view name) {
+    // By code points, without weights.
+    ConvmapBuilder& unicodeCollation(std::string_view charset, std::string_view name) {
+        ByteMap mark = {};
+        std::memcpy(mark.data(), "BASIC", 6);
+        return collation(charset, name, 3, mark, mark);
+    }
+    ConvmapBuilder& caseTable(std::string_view charset, std::string_view name, const ByteMap& upper = identityBytes(),
+                              const ByteMap& lower = identityBytes()) {
         Bytes record(format::byte_case::kSize);
         putSize(record, 256);
+        putBytes(record, format::byte_case::kUpperMap, upper.data(), 256);
+        putBytes(record, format::byte_case::kLowerMap, lower.data(), 256);
         return add({charset, name, format::EntryType::caseTable, 1, 0, record, "case table"});
+    }
+    // Lists of up to 744 pairs; the last of so many leaves no room for the pair that ends the list.
+    static Bytes unicodeCaseRecord(const CasePairs& upper, const CasePairs& lower) {
+        Bytes record(format::unicode_case::kSize);
+        putBytes(record, format::unicode_case::kUpperList, upper.data(), upper.size() * 4);
+        putBytes(record, format::unicode_case::kLowerList, lower.data(), lower.size() * 4);
+        return record;
+    }
+    ConvmapBuilder& unicodeCase(std::string_view charset, std::string_view name, const CasePairs& upper,
+                                const CasePairs& lower) {
+        return add({charset, name, format::EntryType::caseTable, format::kUnicodeCase, 0,
+                    unicodeCaseRecord(upper, lower), "Unicode case table"});
     }
 
     ConvmapBuilder& version(uint32_t version) {
@@ -186,6 +222,17 @@ private:
         if (entry.type == format::EntryType::conversion) {
             note(what + "type code", base, format::conversion::kTypeCode, false);
             if (entry.maps.empty()) note(what + "table", base, format::conversion::kTable, false);
+        } else if (entry.type == format::EntryType::collation) {
+            note(what + "exact map", base, format::collation::kExactMap, false);
+            note(what + "fold map", base, format::collation::kFoldMap, false);
+            note(what + "kind", base, format::collation::kKind, false);
+            note(what + "second kind", base, format::collation::kSubKind, false);
+        } else if (entry.type == format::EntryType::caseTable && entry.rawByte == format::kUnicodeCase) {
+            note(what + "upper list", base, format::unicode_case::kUpperList, false);
+            note(what + "lower list", base, format::unicode_case::kLowerList, false);
+        } else if (entry.type == format::EntryType::caseTable) {
+            note(what + "upper map", base, format::byte_case::kUpperMap, false);
+            note(what + "lower map", base, format::byte_case::kLowerMap, false);
         }
         edges_.push_back(file.size());
         return base;
@@ -221,11 +268,6 @@ private:
 
 // --- charsets of the small world
 
-inline ByteMap identityBytes() {
-    ByteMap map;
-    for (unsigned c = 0; c < 256; ++c) map[c] = static_cast<unsigned char>(c);
-    return map;
-}
 // ASCII, and the byte plus `upper` from 0x80 on.
 inline UnitTable upperHalfAt(uint16_t upper) {
     UnitTable units;
@@ -297,6 +339,10 @@ inline ConvmapBuilder smallWorld() {
     builder.bare("SHIFT-JIS", "UTF-16", 29).bare("UTF-16", "SHIFT-JIS", 30);
     builder.byteMap("LATIN", "CYRILLIC", identityBytes(), 1).byteMap("CYRILLIC", "LATIN", identityBytes());
     builder.collation("LATIN", "basic").caseTable("LATIN", "basic");
+    builder.unicodeCollation("UTF-8", "basic").collation("LATIN", "thai", 4).collation("LATIN", "site", 2);
+    builder.collation("SHIFT-JIS", "basic").collation("EUCJIS", "basic").caseTable("EUCJIS", "basic");
+    builder.unicodeCase("UTF-8", "basic", {{'a', 'A'}, {0xE9, 0xC9}, {0x1E01, 0x1E00}, {0xFF41, 0xFF21}},
+                        {{'A', 'a'}, {0xC9, 0xE9}, {0x1E00, 0x1E01}, {0xFF21, 0xFF41}});
     return builder;
 }
 

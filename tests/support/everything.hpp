@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "convmap/case_pages.hpp"
+#include "nls/compare.h"
 #include "nls/convert.h"
 #include "nls/inner.h"
 #include "nls/objects.h"
@@ -29,6 +31,8 @@ public:
         for (const nlsTocEntry& entry : entries)
             if (entry.entryType == kAttributes)
                 for (const char* const unicode : {"UTF-8", "UTF-16", "utf-16be"}) bothWays(entry.name1, unicode);
+        for (const nlsTocEntry& entry : entries)
+            if (entry.entryType == kAttributes) makeLocale(entry.name1, nullptr, nullptr);  // derived where it can be
     }
 
     int tables = 0;      // tables that text was sent through, each once
@@ -62,6 +66,7 @@ private:
                 makeLocale(entry.name1, NLS_NO_COLLATION, entry.name2);
                 break;
             case kCollation:
+                makeLocale(entry.name1, entry.name2, entry.name2);  // most names stand for both
                 makeLocale(entry.name1, entry.name2, nullptr);
                 break;
             case kConversion:
@@ -72,6 +77,25 @@ private:
         }
     }
 
+    // Weights and pages are read: by texts that hold every byte, and for numbers of each family that has a key.
+    void use(const nlsLocale& locale) {
+        static const std::vector<unsigned char> text = allBytes();
+        if (locale.coll != nullptr && used_.insert(locale.coll).second)
+            for (uint16_t mode = 0; mode < 3; ++mode) {
+                uint16_t result = 0;
+                note(nlsCompareN(&locale, nullptr, text.data() + 1, text.data() + 1, 700, 300, mode, &result),
+                     {0, 7, 8, 19, 25});
+            }
+        if (locale.caseTable == nullptr || (locale.attrib->flags & NLS_CHARSET_UTF8) == 0) return;
+        if (!used_.insert(locale.caseTable).second) return;
+        const auto& pages = unicodeCaseTable(*locale.caseTable).casePages;
+        for (const uint32_t top : {0U, 0xE10000U, 0xE20000U, 0xEF0000U})
+            for (uint32_t number = top; number < top + 0x10000; number += 13)
+                for (const CaseForm form : {CaseForm::upper, CaseForm::lower})
+                    if (caseFormOf(pages, number, form) >> 16 != top >> 16)
+                        fail("a form of another first byte", number);
+    }
+
     nlsLocale* makeLocale(const char* charset, const char* collation, const char* caseName) {
         nlsLocale* locale = nullptr;
         nlsStatus status;
@@ -79,7 +103,9 @@ private:
             status = note(nlsCreateLocale(open_.handle, charset, collation, caseName, &locale),
                           {0, 1, 8, 9, 10, 11, 21, 25});
         } while (status == NLS_NO_MEM && anotherBuffer());
-        return status == NLS_OK ? locale : nullptr;
+        if (status != NLS_OK) return nullptr;
+        use(*locale);
+        return locale;
     }
 
     void bothWays(const char* from, const char* to) {
@@ -148,6 +174,7 @@ private:
     int buffers_ = 0;
     int pairs_ = 0;
     std::set<const nlsConvTable*> seen_;
+    std::set<const void*> used_;
 };
 
 }  // namespace nls::test
