@@ -49,6 +49,13 @@ NLS_WIDE __mmask16 lanesOf(uint64_t mask, uint64_t taken) {
     return static_cast<__mmask16>(_pext_u64(mask, taken));
 }
 
+// For a value that a rare branch computes: hides it from the compiler, so that the branch stays one. A choice between two
+// values would wait for both, and the next block would begin later.
+NLS_WIDE uint64_t byBranch(uint64_t value) {
+    __asm__ volatile("" : "+r"(value));
+    return value;
+}
+
 // Entries of a 16-bit array at the places of `wanted` lanes, 0 in the others. A lane reads the entry behind it, too.
 NLS_WIDE __m512i gather(__mmask16 wanted, const uint16_t* array, __m512i places) {
     return masked(_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), wanted, places, array, 2), kLane.word);
@@ -133,8 +140,9 @@ NLS_WIDE Utf8Ends findEnds(__m512i bytes, uint64_t high, uint64_t inside) {
     const uint64_t twos = high & ~trails & ~threes & ~fours, ascii = ~high & inside;
     const uint64_t expected = (twos | threes) << 1 | threes << 2;
     const uint64_t wrong = ((expected ^ trails) | fours) & inside;
-    const uint64_t sound = (wrong - 1) & ~wrong & inside;
-    return {ascii, threes << 2, (ascii | twos << 1 | threes << 2) & sound};
+    uint64_t ends = (ascii | twos << 1 | threes << 2) & inside;
+    if (__builtin_expect(wrong != 0, false)) ends = byBranch(ends & (wrong - 1) & ~wrong);
+    return {ascii, threes << 2, ends};
 }
 
 // The code points of lanes that hold the last byte of a form, the one before it and the one before that, lowest first.
@@ -225,8 +233,7 @@ public:
         uint64_t used = expected;
         __asm__("" : "+r"(used));  // to the compiler another value, so that it doesn't take the late one for both
         if (const uint64_t found = bytesInUse(forms, count); __builtin_expect(found != expected, false)) {
-            used = found;
-            __asm__ volatile("" : "+r"(used));  // and a branch, not a choice that waits for both
+            used = byBranch(found);
         }
         const std::size_t length = countBits(used);
         if (length == 0 || length > room()) return false;
@@ -267,8 +274,9 @@ NLS_TARGET_AVX512 Run runToUtf8Avx512(const DbcsTable& table, const DbcsIndex& i
         const Pairing pairing = pairUp(bytesOn(index.leadBytes, bytes));
         const uint64_t cutOff = pairing.firsts & ~followed, starts = inside & ~pairing.seconds & ~cutOff;
         // Up to the start behind the sixteenth, or up to where the whole characters of the block end.
-        const std::size_t consumed =
-            std::min(placeOfBit(starts, kLanes), static_cast<std::size_t>(_tzcnt_u64(cutOff | ~inside)));
+        std::size_t consumed = placeOfBit(starts, kLanes);
+        if (__builtin_expect(consumed == kBlock, false))
+            consumed = byBranch(static_cast<std::size_t>(_tzcnt_u64(cutOff | ~inside)));
         const uint64_t taken = starts & lowBits(consumed);
         const unsigned wanted = countBits(taken);
         const __m512i pairs = masked(spread(bytes, taken, kLane.toSecond), kLane.evenBytes);
@@ -302,8 +310,9 @@ NLS_TARGET_AVX512 Run runFromUtf8Avx512(const DbcsTable& table, const DbcsIndex&
         }
         const Utf8Ends ends = findEnds(bytes, high, inside);
         if (ends.all == 0) break;
-        const std::size_t lastEnd = 63 - static_cast<std::size_t>(_lzcnt_u64(ends.all));
-        const std::size_t consumed = std::min(placeOfBit(ends.all, kLanes - 1), lastEnd) + 1;
+        std::size_t consumed = placeOfBit(ends.all, kLanes - 1) + 1;
+        if (__builtin_expect(consumed > kBlock, false))  // fewer characters, at the end of text and in odd text
+            consumed = byBranch(kBlock - static_cast<std::size_t>(_lzcnt_u64(ends.all)));
         const uint64_t taken = ends.all & lowBits(consumed);
         const unsigned wanted = countBits(taken);
         const __mmask16 ascii = lanesOf(ends.ascii, taken);
