@@ -39,18 +39,14 @@ private:
     }
     unsigned char pair(unsigned char lead) {
         ++text_.place;
-        if (route_.bridge.isNull()) return hold(route_.weights.entry(lead), cut() ? 0 : *text_.place);
-        const BridgedPair bridged = throughBridge(route_.bridge, lead, cut() ? kAnyTrail : *text_.place);
+        const unsigned char trail = ended() ? 0 : *text_.place;  // a limit behind the first byte is as good as a NUL
+        if (route_.bridge.isNull()) return hold(route_.weights.entry(lead), trail);
+        const BridgedPair bridged = throughBridge(route_.bridge, lead, trail);
         const unsigned char weight = route_.weights.entry(bridged.first);
         if (!bridged.single) return hold(weight, bridged.second);
         if (!ended()) ++text_.place;
         return weight;
     }
-
-    // The limit falls behind the first byte; a NUL there is a second byte like any other, and the end as well.
-    bool cut() const { return text_.place == text_.limit; }
-    // Stands in for a second byte behind the limit: with it a first byte is bridged as with those that belong there.
-    static constexpr unsigned char kAnyTrail = 0xA1;
 
     const ByteRoute& route_;
     Text text_;

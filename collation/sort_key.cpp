@@ -88,7 +88,8 @@ SortKey keyByTables(const Collation& by, ByteView text, ByteSpan room, KeyOption
 
 SortKey keyByHook(const Collation& by, const unsigned char* src, ByteView text, ByteSpan key, uint16_t mode) {
     const nlsHandle* const handle = by.locale.owner;
-    const HookText seen{src, text.size()};
+    const bool trimmed = src[text.size()] != 0;
+    const HookText seen = trimmed ? HookText{src, text.size()} : HookText{src};
     UserSortCopy(key.data(), seen.get(), static_cast<int32_t>(key.size()), by.coll.foldMap, by.coll.exactMap, mode,
                  handle != nullptr ? handle->userSortHandle : 0);
     return {NLS_OK, lengthOf(key)};

@@ -89,8 +89,9 @@ NLS_API nlsStatus getSjisHandles(const nlsLocale* locale);
 
    Two keys sort as nlsCompare tells if both were made in its mode with `trim`, and weren't cut, with these exceptions:
    a byte of weight 0 that is also the first byte of a longer character (it ends the key); the basic table where "s"
-   doesn't weigh 0x53, or where anything but the blank weighs 0x20; a blank that stands as the second byte of a
-   character at the end of a text; a character cut off by the end of a text that goes through Shift-JIS.
+   doesn't weigh 0x53, or where anything but the blank weighs 0x20; a byte that weighs less than the blank, against a
+   blank at the end of the other text; a blank that stands as the second byte of a character at the end of a text; a
+   character cut off by the end of a text that goes through Shift-JIS.
 
    In this order: NLS_BAD_HANDLE, NLS_BAD_LOCALE, NLS_NO_ATTRIB, NLS_BAD_COLLATION, NLS_BAD_ARG (a null `src`, `key` or
    `keyLen`) as in nlsCompare; then what getSortKey answers; NLS_BUF_SMALL (2) if a site's sort filled the buffer and
