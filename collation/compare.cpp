@@ -5,6 +5,8 @@
 #include "collation/hook_text.hpp"
 #include "collation/single_byte_walk.hpp"
 #include "collation/sjis_bridge.hpp"
+#include "collation/thai_compare.hpp"
+#include "collation/unicode_compare.hpp"
 #include "nls/usersort.h"
 
 namespace nls {
@@ -42,9 +44,11 @@ Compared compareTexts(const Collation& by, nlsTlsBlock*, Text a, Text b, uint16_
         case CollKind::userSort:
             return compareByHook(by, a, b, mode);
         case CollKind::unicode:
+            return {NLS_OK, compareUnicode(by.locale, a, b, mode)};
         case CollKind::thai:
+            return {NLS_OK, compareThai(mode == 0 ? by.coll.foldMap : by.coll.exactMap, a, b)};
         case CollKind::icu:
-            return {NLS_BAD_COLLATION, 0};  // no table of these kinds can be made yet
+            return {NLS_BAD_COLLATION, 0};  // no table of this kind can be made yet
         default:
             return compareByTables(by, a, b, mode);
     }

@@ -7,6 +7,8 @@
 #include "collation/coll_kind.hpp"
 #include "collation/hook_text.hpp"
 #include "collation/sjis_bridge.hpp"
+#include "collation/thai_key.hpp"
+#include "collation/unicode_key.hpp"
 #include "conversion/engine.hpp"
 #include "nls/usersort.h"
 
@@ -95,6 +97,11 @@ SortKey keyByHook(const Collation& by, const unsigned char* src, ByteView text, 
     return {NLS_OK, lengthOf(key)};
 }
 
+SortKey keyByValues(const nlsLocale& locale, ByteView text, ByteSpan key, uint16_t mode) {
+    if (const nlsStatus bad = unicodeKey(locale, text, key, mode)) return {bad, 0};
+    return {NLS_OK, lengthOf(key)};
+}
+
 }  // namespace
 
 SortKey makeSortKey(const Collation& by, nlsTlsBlock*, const unsigned char* src, ByteSpan key, KeyOptions options) {
@@ -105,9 +112,12 @@ SortKey makeSortKey(const Collation& by, nlsTlsBlock*, const unsigned char* src,
         case CollKind::userSort:
             return keyByHook(by, src, text, key, options.mode);
         case CollKind::unicode:
+            return keyByValues(by.locale, text, key, options.mode);
         case CollKind::thai:
+            thaiKey(options.mode == 0 ? by.coll.foldMap : by.coll.exactMap, text.data(), text.size(), key);
+            return {NLS_OK, lengthOf(key)};
         case CollKind::icu:
-            return {NLS_BAD_COLLATION, 0};  // no table of these kinds can be made yet
+            return {NLS_BAD_COLLATION, 0};  // no table of this kind can be made yet
         default:
             return keyByTables(by, text, key, options);
     }

@@ -1,8 +1,9 @@
-// Door: records of text, byte copies, counters, names of charsets.
+// Door: records of text, byte copies, counters, case, names of charsets.
 #include <cstring>
 
 #include "core/base/checks.hpp"
 #include "nls/strings.h"
+#include "strings/case_mapping.hpp"
 #include "strings/charset_names.hpp"
 #include "strings/counting.hpp"
 #include "strings/str_record.hpp"
@@ -120,6 +121,30 @@ nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock*, const unsigned char*
     const nls::Counted counted = bytesOfChars(locale, s, charCount);
     if (counted.status != NLS_OK) return counted.status;
     return nls::replaceText(*rec, s, counted.count);
+}
+
+// ---- Case ----
+
+namespace {
+
+nlsStatus changeCase(const nlsLocale* locale, const nlsStr* from, nlsStr* to, nls::CaseForm form) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
+    if (to == nullptr || to->buf == nullptr || from == nullptr || from->buf == nullptr) return NLS_BAD_ARG;
+    const nls::CaseMapped mapped =
+        nls::mapCase(*locale, nls::untilNul(from->buf), nls::firstBytes(to->buf, to->bufSize), form);
+    if (mapped.status == NLS_OK) to->strLength = mapped.length;
+    return mapped.status;
+}
+
+}  // namespace
+
+nlsStatus nlsLowerCase(const nlsLocale* locale, nlsTlsBlock*, const nlsStr* from, nlsStr* to) {
+    return changeCase(locale, from, to, nls::CaseForm::lower);
+}
+
+nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock*, const nlsStr* from, nlsStr* to) {
+    return changeCase(locale, from, to, nls::CaseForm::upper);
 }
 
 // ---- Names of charsets ----

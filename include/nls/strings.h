@@ -1,4 +1,4 @@
-/* Byte buffers in a record, counters of bytes, characters and screen columns, and the names of charsets. */
+/* Byte buffers in a record, counters of bytes, characters and screen columns, case, and the names of charsets. */
 #ifndef NLS_STRINGS_H
 #define NLS_STRINGS_H
 
@@ -109,6 +109,32 @@ NLS_API nlsStatus nlsCountChars(const nlsLocale* locale, nlsTlsBlock* tls, const
    if that is NLS_OK as nlsCopyString. After any other status than NLS_OK the record is unchanged. */
 NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t charCount,
                              nlsStr* rec);
+
+/* ---- Case ---- */
+
+/* Copies the text of `from` to `to` in lower or upper case. Of `from` only `buf` is read, up to its NUL; of `to` `buf` and
+   `bufSize`. `tls` may be null and is not read.
+
+   The locale's case table decides. With a Unicode one, of a UTF-8 charset, each character is replaced by its form there;
+   a form can be shorter than its character, and longer only for one of one byte. With any other table each byte that
+   is a character of its own goes through the table's map, and of a longer character two bytes are copied. Without a
+   table such a byte goes through the C library's table of the process's locale, and longer characters are copied. What
+   has no other case is copied. A character that the NUL cuts short is the bytes in front of it; one of five bytes or
+   more becomes "?" where there is a Unicode case table.
+
+   `from` and `to` may be the same buffer as long as no form is longer than its character. Otherwise the result is
+   unspecified, though nothing is written at or behind `to->buf` + `to->bufSize`.
+
+   NLS_OK               `to->buf` holds the text and a NUL, `to->strLength` its bytes
+   NLS_BAD_HANDLE (13)  the handle behind the locale; also for a null locale. Checked in this order
+   NLS_BAD_LOCALE (24)
+   NLS_NO_ATTRIB (27)
+   NLS_BAD_ARG (16)     a record, or its `buf`, is null
+   NLS_BUF_SMALL (2)    the text and its NUL don't fit. The characters that fit stand in `to->buf`, with a NUL behind them
+                        if the next is one of several bytes and would have fit in part; the fields of `to` are unchanged.
+                        A `bufSize` below 1 is no room: nothing is written */
+NLS_API nlsStatus nlsLowerCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
+NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
 
 /* ---- Names of charsets ---- */
 
