@@ -47,15 +47,16 @@ bool isBoundary(const Charset& charset, const unsigned char* place, const unsign
     return !crossed;
 }
 
-// The first byte of the character that `place` belongs to. `start` is the first byte of one.
+// The first byte of the character that `place` belongs to, which isn't read. `start` is the first byte of one.
 const unsigned char* characterAt(const Charset& charset, const unsigned char* place, const unsigned char* start) {
     const unsigned char* first = place;
     while (!isBoundary(charset, first, start)) --first;
-    for (;;) {
+    while (first != place) {
         const unsigned char* const next = first + charset.trailCount(*first) + 1;
-        if (first == place || next > place) return first;
+        if (next > place) break;
         first = next;
     }
+    return first;
 }
 
 }  // namespace

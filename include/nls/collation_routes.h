@@ -30,8 +30,8 @@ NLS_API int32_t thaiCompare(const unsigned char* s1, const unsigned char* s2, co
                             const unsigned char* exactMap, uint16_t compareMode);
 
 /* Writes the sort key of `src`, with its NUL, to at most `keySize` bytes at `key`. A longer key is cut. With a `keySize`
-   below 1 nothing is written. Keys of the same map and mode order as thaiCompare does, save for blanks at the end,
-   which are part of the key. */
+   below 1 nothing is written. Keys of the same map order as thaiCompare does, as long as every vowel and tone has a
+   base; blanks at the end are part of the key. */
 NLS_API void thaiSortcop(unsigned char* key, const unsigned char* src, int32_t keySize, const unsigned char* foldMap,
                          const unsigned char* exactMap, uint16_t compareMode);
 

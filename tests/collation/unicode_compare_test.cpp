@@ -1,0 +1,235 @@
+#include "collation/unicode_compare.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "collation/unicode_key.hpp"
+#include "nls/collation_routes.h"
+#include "nls/strings.h"
+#include "tests/reference/unicode_order.hpp"
+#include "tests/support/case_locale.hpp"
+#include "tests/support/guarded_buffer.hpp"
+
+namespace {
+
+using nls::CaseForm;
+using nls::test::bytesOf;
+using nls::test::GuardedBuffer;
+using nls::test::HandLocale;
+using nls::test::MadeCaseTable;
+
+constexpr uint16_t kModes[] = {0, 1, 2}, kKeyModes[] = {0, 1};
+
+// Texts that are told apart late or not at all: the second is the first with little changed.
+std::pair<std::string, std::string> nearPair(std::mt19937& random, unsigned kind) {
+    std::string a = nls::test::randomUtf8(random, random() % 70, kind), b = a;
+    for (unsigned changes = random() % 4; changes != 0 && !b.empty(); --changes) {
+        const std::size_t place = random() % b.size();
+        switch (random() % 5) {
+            case 0:
+                b[place] = static_cast<char>(b[place] ^ 0x20);
+                break;
+            case 1:
+                b[place] = static_cast<char>(1 + random() % 255);
+                break;
+            case 2:
+                b.resize(place);
+                break;
+            case 3:
+                b += std::string(random() % 40, ' ');
+                break;
+            default:
+                for (char& byte : b)
+                    if (byte >= 'a' && byte <= 'z') byte = static_cast<char>(byte - 0x20);
+        }
+        if (b.find('\0') != std::string::npos) b.resize(b.find('\0'));
+    }
+    return {a, b};
+}
+
+class UnicodeOrder : public testing::Test {
+protected:
+    // Ended by the NUL or by a limit, in front of a faulting page in either case.
+    void expect(const HandLocale& locale, const nlsLocale& asked, const uint16_t* const (*pages)[256],
+                const std::string& a, const std::string& b) {
+        for (const uint16_t mode : kModes) {
+            const int want = nls::test::slowUnicodeCompare(locale.attrib(), pages, mode == 0, a, b);
+            for (const unsigned limits : {0U, 1U, 2U, 3U}) {
+                const bool cutA = (limits & 1) != 0, cutB = (limits & 2) != 0;
+                const unsigned char* const first = pageOfA_.atEnd(a.c_str(), a.size() + !cutA);
+                const unsigned char* const second = pageOfB_.atEnd(b.c_str(), b.size() + !cutB);
+                const int32_t lengthA = cutA ? static_cast<int32_t>(a.size()) : -1;
+                const int32_t lengthB = cutB ? static_cast<int32_t>(b.size()) : -1;
+                uint16_t result = 77;
+                ASSERT_EQ(nlsUnicodeCompare(&asked, first, second, nullptr, mode, lengthA, lengthB, &result), NLS_OK);
+                ASSERT_EQ(static_cast<int16_t>(result), want)
+                    << testing::PrintToString(a) << testing::PrintToString(b) << mode << limits;
+                if (mode == 1) {
+                    ASSERT_EQ(loccmp(first, second, lengthA, lengthB), want);
+                }
+            }
+        }
+    }
+
+    GuardedBuffer pageOfA_{8192}, pageOfB_{8192};
+};
+
+TEST_F(UnicodeOrder, AsTheSlowTwin) {
+    std::mt19937 random{21};
+    nlsAttribStruct oddLengths = nls::test::oddCharset();
+    oddLengths.flags |= NLS_CHARSET_UTF8;
+    for (unsigned variant = 0; variant < 5; ++variant) {
+        MadeCaseTable table;
+        table.fillFromLibrary();
+        if (variant == 1) table.fillWild(1, true);
+        if (variant == 2) table.set('I', CaseForm::lower, 0xC4B1);
+        HandLocale locale{variant == 3 ? oddLengths : nls::test::utf8Charset()};
+        if (variant != 4) locale.get()->caseTable = table.get();
+        for (unsigned i = 0; i < 4000; ++i) {
+            const auto [a, b] = nearPair(random, i % 4);
+            ASSERT_NO_FATAL_FAILURE(expect(locale, *locale.get(), variant == 4 ? nullptr : &table.pages(), a, b));
+        }
+    }
+}
+
+// Common prefixes of every length at every place in a block, ended by every kind of difference.
+TEST_F(UnicodeOrder, PrefixesOfEveryLength) {
+    MadeCaseTable table;
+    table.fillFromLibrary();
+    HandLocale locale{nls::test::utf8Charset()};
+    locale.get()->caseTable = table.get();
+    const std::string ends[][2] = {{"", ""},
+                                   {"", "  "},
+                                   {"a", "A"},
+                                   {"a", "b"},
+                                   {"\x01", ""},
+                                   {"\xD0\x90", "\xD0\xB0"},
+                                   {"\xD0\x90", "\xD0\x91"},
+                                   {"\xE1\xBA\xA0", "\xE1\xBA\xA1"},
+                                   {"\xC3", "\xC3\xA9"}};
+    for (const std::string unit : {"x", "\xC3\xA9", "\xE3\x81\x82"})
+        for (std::size_t length = 0; length <= 70; ++length) {
+            std::string prefix;
+            while (prefix.size() < length) prefix += unit;
+            for (const auto& [a, b] : ends)
+                for (const auto* const tail : {"", "q", "qqqqqqqqqqqqqqqq"}) {
+                    ASSERT_NO_FATAL_FAILURE(
+                        expect(locale, *locale.get(), &table.pages(), prefix + a + tail, prefix + b + tail));
+                    ASSERT_NO_FATAL_FAILURE(
+                        expect(locale, *locale.get(), &table.pages(), prefix + b + tail, prefix + a + tail));
+                }
+        }
+}
+
+TEST_F(UnicodeOrder, ByHand) {
+    MadeCaseTable table;
+    table.fillFromLibrary();
+    HandLocale locale{nls::test::utf8Charset()};
+    locale.get()->caseTable = table.get();
+    constexpr struct {
+        const char *why, *a, *b;
+        uint16_t mode;
+        int32_t lengthA, lengthB;
+        int sign;
+    } rows[] = {
+        {"no expansions",
+         "Stra\xC3\x9F"
+         "e",
+         "STRASSE", 0, -1, -1, 1},
+        {"case doesn't count", "\xC3\x84pfel", "\xC3\xA4PFEL", 0, -1, -1, 0},
+        {"bytes decide", "a", "B", 1, -1, -1, 1},
+        {"any other mode is exact", "a", "A", 7, -1, -1, 1},
+        {"blanks at the end", "abc", "abc  ", 0, -1, -1, 0},
+        {"less than a blank is more than nothing", "abc", "abc\x01", 0, -1, -1, -1},
+        {"less than a blank is more than nothing, exactly", "abc\x01", "abc", 1, -1, -1, 1},
+        {"the limited text ends first", "abcd", "abce", 0, 3, -1, -1},
+        {"blanks at the limit", "abc  x", "abc", 0, 5, -1, 0},
+        {"both limited to nothing", "a", "b", 1, 0, 0, 0},
+        {"a limit cuts a character", "\xC3\xA9", "\xC3", 0, 1, -1, 0},
+        {"code points, not units", "\xF0\x90\x80\x80", "\xEF\xBF\xBD", 0, -1, -1, 1},
+    };
+    for (const auto& row : rows) {
+        uint16_t result = 77;
+        EXPECT_EQ(nlsUnicodeCompare(locale.get(), bytesOf(row.a), bytesOf(row.b), nullptr, row.mode, row.lengthA,
+                                    row.lengthB, &result),
+                  NLS_OK);
+        EXPECT_EQ(static_cast<int16_t>(result), row.sign) << row.why;
+    }
+    uint16_t result = 77;
+    const nlsLocale bare{};
+    EXPECT_EQ(nlsUnicodeCompare(nullptr, bytesOf("a"), bytesOf("A"), nullptr, 0, -1, -1, &result), NLS_OK);
+    EXPECT_EQ(result, 1);
+    EXPECT_EQ(nlsUnicodeCompare(&bare, bytesOf("A"), bytesOf("a"), nullptr, 0, -1, -1, &result), NLS_OK);
+    EXPECT_EQ(result, 0xFFFF);
+}
+
+// A case table of bytes under a collation of Unicode is never read as pages.
+TEST_F(UnicodeOrder, ByteTablesDoNotFold) {
+    const nlsCaseStruct table{};
+    HandLocale locale{nls::test::singleByteCharset()};
+    locale.get()->caseTable = const_cast<nlsCaseStruct*>(&table);
+    ASSERT_NO_FATAL_FAILURE(expect(locale, *locale.get(), nullptr, "a\xE9", "a\xC9"));
+    ASSERT_NO_FATAL_FAILURE(expect(locale, *locale.get(), nullptr, "a", "A"));
+}
+
+TEST_F(UnicodeOrder, KeysInEveryRoom) {
+    MadeCaseTable table;
+    table.fillFromLibrary();
+    HandLocale locale{nls::test::utf8Charset()};
+    locale.get()->caseTable = table.get();
+    const std::string text =
+                          "\xC3\x84"
+                          "B\xC4\xB0",
+                      lower =
+                          "\xC3\xA4"
+                          "bi";
+    for (int keySize = -2; keySize < 9; ++keySize)
+        for (const uint16_t mode : kModes)
+            for (const std::string& src : {text, std::string{}}) {
+                const auto size = static_cast<std::size_t>(keySize < 0 ? 0 : keySize);
+                unsigned char* const key = pageOfA_.atEnd(size);
+                std::memset(key, 0xEE, size);
+                const nlsStatus want = keySize < 1                                       ? NLS_BUF_SMALL
+                                       : src.empty()                                     ? NLS_OK
+                                       : src.size() >= static_cast<std::size_t>(keySize) ? NLS_BUF_SMALL
+                                       : mode > 1                                        ? NLS_BAD_COMPARE_MODE
+                                                                                         : NLS_OK;
+                ASSERT_EQ(nlsUnicodeSort(locale.get(), key, bytesOf(src), static_cast<int16_t>(keySize), nullptr, mode),
+                          want)
+                    << keySize << mode;
+                if (want == NLS_OK)
+                    ASSERT_STREQ(reinterpret_cast<char*>(key), (mode == 0 && !src.empty() ? lower : src).c_str());
+                else
+                    ASSERT_TRUE(size == 0 || key[0] == 0xEE);
+            }
+    unsigned char key[8] = {0xEE};
+    EXPECT_EQ(nlsUnicodeSort(nullptr, key, bytesOf("aB"), 8, nullptr, 1), NLS_OK);
+    EXPECT_STREQ(reinterpret_cast<char*>(key), "aB");
+    EXPECT_EQ(nlsUnicodeSort(nullptr, key, bytesOf("aB"), 8, nullptr, 0), NLS_BAD_HANDLE);
+    EXPECT_EQ(key[0], 0);
+}
+
+// Of texts without blanks at the end, the order of keys is that of the comparison.
+TEST_F(UnicodeOrder, KeysOrderAsTheComparison) {
+    MadeCaseTable table;
+    table.fillFromLibrary();
+    HandLocale locale{nls::test::utf8Charset()};
+    locale.get()->caseTable = table.get();
+    std::mt19937 random{22};
+    for (unsigned i = 0; i < 20000; ++i) {
+        const std::string a = nls::test::randomUtf8(random, 1 + random() % 6, 1) + ".";
+        const std::string b = nls::test::randomUtf8(random, 1 + random() % 6, 1) + ".";
+        for (const uint16_t mode : kKeyModes) {
+            unsigned char keyOfA[64], keyOfB[64];
+            ASSERT_EQ(nls::unicodeKey(*locale.get(), {bytesOf(a), a.size()}, keyOfA, mode), NLS_OK);
+            ASSERT_EQ(nls::unicodeKey(*locale.get(), {bytesOf(b), b.size()}, keyOfB, mode), NLS_OK);
+            const int byKeys = std::strcmp(reinterpret_cast<char*>(keyOfA), reinterpret_cast<char*>(keyOfB));
+            uint16_t result = 77;
+            nlsUnicodeCompare(locale.get(), bytesOf(a), bytesOf(b), nullptr, mode, -1, -1, &result);
+            ASSERT_EQ(static_cast<int16_t>(result), byKeys < 0 ? -1 : byKeys > 0) << a << ' ' << b;
+        }
+    }
+}
+
+}  // namespace
