@@ -131,6 +131,28 @@ NLS_API NLS_CHECKED nlsStatus computeUCCaseTableData(nlsHandle* handle, const vo
                                                      nlsUnicodeCaseStruct* caseTable, unsigned char* cursor,
                                                      uint32_t remaining);
 
+/* Copies a database's word-break table, `length` bytes at any address, to where the locale's wordBreak points, which has
+   room for it, and completes the copy: each of its 256 word classes that is 0 becomes
+
+     2    a letter: of the locale's charset, or, where wbKind is 8 or less and the charset isn't UTF-8, of `target`'s
+     3    a digit, 0x30 to 0x39, that is no letter
+     8+n  the first byte of a character with n bytes behind it, and 11 a byte that lengthMap marks with 0x08; in a charset
+          of several bytes that is UTF-8 or whose wbKind is 9, before the two above
+     1    any other byte
+
+   A copy that is shorter than 8 bytes, or that doesn't hold the 256 bytes at wbClassOffset, gets no classes.
+
+   target  null, or a locale that text is converted to: the conversion is made; where wbKind is 9 and the conversion is by
+           a byte map, each class also goes to the byte that its own becomes
+
+   Bits of wbFlags that are set: 0x02 the charset has NLS_CHARSET_UTF8; with a target, 0x04 the locale's charset is called
+   "utf-8", else 0x08 the target's is, in mode 0 of the locale's collation. With one of these two bits no class moves.
+
+   NLS_OK; NLS_BAD_WB_TABLE (no `wbData`; nothing is touched). With a target, NLS_BAD_HANDLE and NLS_BAD_LOCALE of either
+   locale, and what nlsCreateConversion answers: nothing is copied. NLS_BAD_ARG (no `locale`, or no room behind it);
+   NLS_NO_ATTRIB. With a target, after the completion, NLS_BAD_COLLATION and what else nlsCompare answers. */
+NLS_API NLS_CHECKED nlsStatus getWbTable(nlsLocale* locale, const void* wbData, uint32_t length, nlsLocale* target);
+
 NLS_END_DECLS
 
 #endif
