@@ -48,7 +48,7 @@ NLS_BEGIN_DECLS
    NLS_NO_COLL_TABLE    nor the collation for it
    NLS_NO_CASE_TABLE    nor the case table for it
    NLS_READ_FAILED      the file ends inside a record, or a read failed; a later call reads again
-   NLS_BAD_COLLATION    the collation's record is unsound
+   NLS_BAD_COLLATION    the collation's record is unsound, or it is a site's own and doesn't open (usersort.h)
    NLS_NO_CONV_TABLE    a companion: no conversion to Shift-JIS */
 NLS_API NLS_CHECKED nlsStatus nlsCreateLocale(nlsHandle* handle, const char* charset, const char* collation,
                                               const char* caseName, nlsLocale** locale);
