@@ -1,7 +1,7 @@
 // Where a Unicode case table keeps the forms of a character: shared by those who build one and those who look up.
 //
-// The number of a character is its UTF-8 bytes, one to four, as a big-endian number. From it a key is made, and from the
-// key a page and an index:
+// The number of a character is its UTF-8 bytes, one to four, as a big-endian number. From it a key is made, and from
+// the key a page and an index:
 //
 //   character                              number V          key            page
 //   one byte                               00..7F            V              00

@@ -1,7 +1,7 @@
 // Case tables of both kinds: two maps of bytes, and the pages of UTF-8.
 //
-// A Unicode table is built from two lists of pairs of UCS-2 characters. Its first stage points to pages in the arena, or
-// in the buffer of a caller who builds it there, and to the one page without entries, a constant of the library
+// A Unicode table is built from two lists of pairs of UCS-2 characters. Its first stage points to pages in the arena,
+// or in the buffer of a caller who builds it there, and to the one page without entries, a constant of the library
 // (convmap/case_pages.hpp has the places).
 //
 // Tested by tests/convmap/case_table_test.cpp.

@@ -12,8 +12,8 @@
 
 namespace nls {
 
-// `mayDerive`: the charset is a single-byte one, so its collation may be that of another charset, moved. Such a table is
-// made anew by each call; one of the file is cached in its entry. NLS_NO_MEM, NLS_NO_COLL_TABLE, NLS_READ_FAILED,
+// `mayDerive`: the charset is a single-byte one, so its collation may be that of another charset, moved. Such a table
+// is made anew by each call; one of the file is cached in its entry. NLS_NO_MEM, NLS_NO_COLL_TABLE, NLS_READ_FAILED,
 // NLS_BAD_COLLATION.
 Loaded<nlsCollStruct> loadCollation(const LoadContext& context, const char* charset, const char* collationName,
                                     bool mayDerive);

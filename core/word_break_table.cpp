@@ -1,5 +1,6 @@
 #include "core/word_break_table.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -36,10 +37,11 @@ public:
         unsigned char& flags = bytes_[offsetof(nlsWbTable, wbFlags)];
         flags = static_cast<unsigned char>(flags | flag);
     }
-    // 256 bytes, or none.
+    // At most 256 bytes: as many as lie within the table.
     ByteSpan classes() const {
         const std::size_t offset = loadWord<uint16_t>(&bytes_[offsetof(nlsWbTable, wbClassOffset)]);
-        return offset + kByteValues <= bytes_.size() ? bytes_.subspan(offset, kByteValues) : ByteSpan{};
+        if (offset >= bytes_.size()) return {};
+        return bytes_.subspan(offset, std::min(kByteValues, bytes_.size() - offset));
     }
 
 private:
@@ -67,7 +69,7 @@ WordClasses defaultClasses(Charset charset, Charset letters, unsigned char kind)
     return classes;
 }
 
-// Puts the classes where the database gave none; they are the whole table then. REQUIRES: 256 bytes or none.
+// Puts the classes where the database gave none. REQUIRES: at most 256 bytes.
 void complete(ByteSpan given, WordClasses& classes) {
     for (std::size_t byte = 0; byte < given.size(); ++byte) {
         if (given[byte] == 0) given[byte] = classes[byte];
@@ -90,8 +92,11 @@ NameTest testName(const nlsLocale& locale, const char (&charsetName)[20]) {
 
 // The classes of the bytes that the locale's turn into, where the database's words are looked at after a conversion.
 void moveClasses(ByteSpan target, const WordClasses& classes, ConvTable table) {
-    if (target.empty() || table.type() != ConvType::byteMap) return;
-    for (std::size_t byte = 0; byte < kByteValues; ++byte) target[table.byteMap().map[byte]] = classes[byte];
+    if (table.type() != ConvType::byteMap) return;
+    for (std::size_t byte = 0; byte < kByteValues; ++byte) {
+        const std::size_t image = table.byteMap().map[byte];
+        if (image < target.size()) target[image] = classes[byte];
+    }
 }
 
 // What only a table with a target gets.

@@ -91,12 +91,12 @@ NLS_API NLS_CHECKED nlsStatus getUCS2Data(nlsHandle* handle, const char* from, c
 NLS_API NLS_CHECKED nlsStatus computeUtf8TableData(nlsHandle* handle, const char* from, const char* to, int64_t type,
                                                    const uint16_t* units, nlsConvTable** table);
 
-/* The collation of a charset. `attrib` is the attribute table of `charset`: where the file has no such collation and the
-   table says NLS_CHARSET_SINGLE_BYTE, it is derived as convCollTable tells, anew by each call. Null stands for a charset
-   without that bit. A name that begins with "ICU-" or "ICU_" is never looked for in the file. `coll` is written on
-   success alone. Each collation that is made becomes the newest of the handle: its nextColl is the one made before it.
-   NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_COLL_TABLE; NLS_READ_FAILED; NLS_BAD_COLLATION (a record of kind 3 without
-   its two marks, one of kind 5, or a site's own sort that doesn't open). */
+/* The collation of a charset. `attrib` is the attribute table of `charset`: where the file has no such collation and
+   the table says NLS_CHARSET_SINGLE_BYTE, it is derived as convCollTable tells, anew by each call. Null stands for a
+   charset without that bit. A name that begins with "ICU-" or "ICU_" is never looked for in the file. `coll` is
+   written on success alone. Each collation that is made becomes the newest of the handle: its nextColl is the one made
+   before it. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_COLL_TABLE; NLS_READ_FAILED; NLS_BAD_COLLATION (a record of
+   kind 3 without its two marks, one of kind 5, or a site's own sort that doesn't open). */
 NLS_API NLS_CHECKED nlsStatus nlsGetCollStructPtr(nlsHandle* handle, const nlsAttribStruct* attrib, const char* charset,
                                                   const char* collationName, nlsCollStruct** coll);
 
@@ -107,14 +107,14 @@ NLS_API NLS_CHECKED nlsStatus nlsGetCollStructPtr(nlsHandle* handle, const nlsAt
 NLS_API NLS_CHECKED nlsStatus convCollTable(nlsHandle* handle, const char* charset, const char* collationName,
                                             nlsCollStruct** coll);
 
-/* Moves the 256 weights of `map` to the bytes that a byte map gives for their own; of several weights for one byte that
-   of the highest source byte counts, and a byte that nothing maps to keeps its own. Null in `map`, or a table of another
-   type (null among them), does nothing. */
+/* Moves the 256 weights of `map` to the bytes that a byte map gives for their own; of several weights for one byte
+   that of the highest source byte counts, and a byte that nothing maps to keeps its own. Null in `map`, or a table of
+   another type (null among them), does nothing. */
 NLS_API void utMungeCollation(unsigned char* map, const nlsConvTable* table);
 
-/* The case table of a charset; of a charset with NLS_CHARSET_UTF8 it is an nlsUnicodeCaseStruct. `caseTable` is written
-   on success alone. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_CASE_TABLE (also: a table of bytes for a charset with that
-   flag); NLS_READ_FAILED. */
+/* The case table of a charset; of a charset with NLS_CHARSET_UTF8 it is an nlsUnicodeCaseStruct. `caseTable` is
+   written on success alone. NLS_OK; NLS_BAD_HANDLE; NLS_NO_MEM; NLS_NO_CASE_TABLE (also: a table of bytes for a
+   charset with that flag); NLS_READ_FAILED. */
 NLS_API NLS_CHECKED nlsStatus getCaseStructPtr(nlsHandle* handle, const char* charset, const char* caseName,
                                                nlsCaseStruct** caseTable);
 
@@ -131,26 +131,27 @@ NLS_API NLS_CHECKED nlsStatus computeUCCaseTableData(nlsHandle* handle, const vo
                                                      nlsUnicodeCaseStruct* caseTable, unsigned char* cursor,
                                                      uint32_t remaining);
 
-/* Copies a database's word-break table, `length` bytes at any address, to where the locale's wordBreak points, which has
-   room for it, and completes the copy: each of its 256 word classes that is 0 becomes
+/* Copies a database's word-break table, `length` bytes at any address, to where the locale's wordBreak points, which
+   has room for it, and completes the copy: each of its 256 word classes that is 0 becomes
 
      2    a letter: of the locale's charset, or, where wbKind is 8 or less and the charset isn't UTF-8, of `target`'s
      3    a digit, 0x30 to 0x39, that is no letter
-     8+n  the first byte of a character with n bytes behind it, and 11 a byte that lengthMap marks with 0x08; in a charset
-          of several bytes that is UTF-8 or whose wbKind is 9, before the two above
+     8+n  the first byte of a character with n bytes behind it, and 11 any other byte that lengthMap marks with 0x08.
+          These two go before the others, in charsets of several bytes alone that are UTF-8 or whose wbKind is 9
      1    any other byte
 
-   A copy that is shorter than 8 bytes, or that doesn't hold the 256 bytes at wbClassOffset, gets no classes.
+   Classes whose place lies behind the end of the copy aren't there; a copy shorter than 8 bytes is left as it is.
 
-   target  null, or a locale that text is converted to: the conversion is made; where wbKind is 9 and the conversion is by
-           a byte map, each class also goes to the byte that its own becomes
+   target  null, or a locale that text is converted to: the conversion is made; where wbKind is 9 and the conversion is
+           by a byte map, each class also goes to the byte that its own becomes
 
-   Bits of wbFlags that are set: 0x02 the charset has NLS_CHARSET_UTF8; with a target, 0x04 the locale's charset is called
-   "utf-8", else 0x08 the target's is, in mode 0 of the locale's collation. With one of these two bits no class moves.
+   Bits of wbFlags that are set: 0x02 the charset has NLS_CHARSET_UTF8; with a target, 0x04 the locale's charset is
+   called "utf-8", else 0x08 the target's is, in mode 0 of the locale's collation. With one of these two bits no class
+   moves.
 
-   NLS_OK; NLS_BAD_WB_TABLE (no `wbData`; nothing is touched). With a target, NLS_BAD_HANDLE and NLS_BAD_LOCALE of either
-   locale, and what nlsCreateConversion answers: nothing is copied. NLS_BAD_ARG (no `locale`, or no room behind it);
-   NLS_NO_ATTRIB. With a target, after the completion, NLS_BAD_COLLATION and what else nlsCompare answers. */
+   NLS_OK; NLS_BAD_WB_TABLE (no `wbData`; nothing is touched). With a target, NLS_BAD_HANDLE and NLS_BAD_LOCALE of
+   either locale, and what nlsCreateConversion answers: nothing is copied. NLS_BAD_ARG (no `locale`, or no room behind
+   it); NLS_NO_ATTRIB. With a target, after the completion, NLS_BAD_COLLATION and what else nlsCompare answers. */
 NLS_API NLS_CHECKED nlsStatus getWbTable(nlsLocale* locale, const void* wbData, uint32_t length, nlsLocale* target);
 
 NLS_END_DECLS

@@ -164,7 +164,7 @@ TEST(WordBreakTable, NothingOutsideItIsTouched) {
             unsigned char one = 0;
             nlsLocale locale = inBlock(*localeOf(open, "LATIN"), length == 0 ? &one : room.data());
             EXPECT_EQ(getWbTable(&locale, length == 0 ? &one : given.data(), length, target), NLS_OK);
-            if (length < 8 || offset + 256 > length) {
+            if (length < 8 || offset >= length) {
                 EXPECT_EQ(room, given) << length << " " << offset;
             }
         }
