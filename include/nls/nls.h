@@ -17,15 +17,11 @@
 #include "nls/convert.h"
 #include "nls/strings.h"
 
-<<<<<<< HEAD
 /* Which of two texts sorts first, and keys that sort the same way. */
 #include "nls/compare.h"
 
-/* What conversions come down to, and what older callers know. An ordinary caller does without. */
-=======
 /* What conversions and comparisons come down to, and what older callers know. An ordinary caller does without. */
 #include "nls/collation_routes.h"
->>>>>>> 04cfcc8 (Thai and Unicode orders and their keys; text in lower and upper case)
 #include "nls/dbcs_transforms.h"
 #include "nls/inner.h"
 #include "nls/transforms.h"
