@@ -78,8 +78,9 @@ private:
             const __m512i found = load(entries + i);
             const __m512i own = _mm512_or_si512(load(&kLast[i]), _mm512_set1_epi16(static_cast<short>(before << 8)));
             const __m512i forms = _mm512_mask_mov_epi16(found, _mm512_testn_epi16_mask(found, found), own);
-            const __m256i last = _mm512_cvtepi16_epi8(forms);
-            const __m256i front = _mm512_cvtepi16_epi8(_mm512_srli_epi16(forms, 8));
+            // Masked, because GCC 12 warns of what its plain form leaves open.
+            const __m256i last = _mm512_maskz_cvtepi16_epi8(~0U, forms);
+            const __m256i front = _mm512_maskz_cvtepi16_epi8(~0U, _mm512_srli_epi16(forms, 8));
             _mm256_store_si256(reinterpret_cast<__m256i*>(kept.last + i), last);
             _mm256_store_si256(reinterpret_cast<__m256i*>(kept.before + i), front);
         }
