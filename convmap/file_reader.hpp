@@ -1,5 +1,5 @@
 // The read callback, as "exactly these bytes, or a failure".
-// Tested by tests/convmap/file_reader_test.cpp.
+// Tested by tests/convmap/starvation_test.cpp.
 #pragma once
 
 #include "core/base/views.hpp"

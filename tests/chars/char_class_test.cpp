@@ -29,18 +29,4 @@ TEST(CharClass, EveryByteInEveryCharset) {
     }
 }
 
-TEST(CharClass, ChecksComeInTheirOrder) {
-    HandLocale locale{nls::test::utf8Charset()};
-    uint32_t value = 5;
-    const auto property = [&] { return nlsGetCharProperty(locale.get(), nullptr, nullptr, nullptr, &value); };
-    EXPECT_EQ(property(), NLS_BAD_ARG);
-    locale.get()->attrib = nullptr;
-    EXPECT_EQ(property(), NLS_NO_ATTRIB);
-    locale.get()->hdr.typeTag = NLS_TAG_CLOSED;
-    EXPECT_EQ(property(), NLS_BAD_LOCALE);
-    locale.handle().hdr.typeTag = NLS_TAG_CLOSED;
-    EXPECT_EQ(property(), NLS_BAD_HANDLE);
-    EXPECT_EQ(value, 5U);
-}
-
 }  // namespace

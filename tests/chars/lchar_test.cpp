@@ -91,34 +91,4 @@ TEST(LChar, WritesEveryValueAsTold) {
     }
 }
 
-TEST(LChar, ChecksComeInTheirOrder) {
-    HandLocale locale{nls::test::utf8Charset()};
-    const unsigned char* none = nullptr;
-    unsigned char* noTarget = nullptr;
-    uint32_t lchar = 5;
-    uint16_t count = 5;
-    const auto read = [&] { return nlsCharToLChar(locale.get(), nullptr, &none, &lchar); };
-    const auto written = [&] { return nlsLCharToChar(locale.get(), nullptr, 'A', &noTarget, &count); };
-    EXPECT_EQ(read(), NLS_BAD_ARG);
-    EXPECT_EQ(lchar, 5U);
-    EXPECT_EQ(written(), NLS_BAD_ARG);
-    EXPECT_EQ(count, 0);
-    locale.get()->attrib = nullptr;
-    count = 5;
-    EXPECT_EQ(read(), NLS_NO_ATTRIB);
-    EXPECT_EQ(lchar, 0U);
-    EXPECT_EQ(written(), NLS_NO_ATTRIB);
-    EXPECT_EQ(count, 0);
-    lchar = 5;
-    count = 5;
-    locale.get()->hdr.typeTag = NLS_TAG_HANDLE;
-    EXPECT_EQ(read(), NLS_BAD_LOCALE);
-    EXPECT_EQ(written(), NLS_BAD_LOCALE);
-    locale.handle().hdr.typeTag = NLS_TAG_LOCALE;
-    EXPECT_EQ(read(), NLS_BAD_HANDLE);
-    EXPECT_EQ(written(), NLS_BAD_HANDLE);
-    EXPECT_EQ(lchar, 5U);
-    EXPECT_EQ(count, 5);
-}
-
 }  // namespace

@@ -108,16 +108,6 @@ TEST_P(SbcsBridge, OddUtf8) {
     }
 }
 
-TEST_P(SbcsBridge, AnyBytesOverAnAlphabet) {
-    const Charsets charsets;
-    constexpr unsigned char kAlphabet[10] = {'a', 0, 0x80, 0xB8, 0xC3, 0xE0, 0xEF, 0xF0, 0xF4, 0xF5};
-    for (unsigned number = 0; number < 100000; ++number) {  // all texts of up to five letters
-        Bytes text;
-        for (unsigned rest = number; rest != 0; rest /= 10) text.push_back(kAlphabet[rest % 10]);
-        fromUtf8(charsets.thai.pages(), text, text.size());
-    }
-}
-
 // Tables that no builder makes: any words, any pages.
 TEST_P(SbcsBridge, AnyTable) {
     for (int round = 0; round < 400; ++round) {

@@ -78,14 +78,7 @@ SlowResult slow(const Transform& transform, ByteView source, std::size_t room, B
 constexpr std::size_t kLargestGrowth = 4;
 
 constexpr CpuLevel kLevels[] = {CpuLevel::baseline, CpuLevel::avx2, CpuLevel::avx512};
-constexpr const char* kLevelNames[] = {"", "baseline", "avx2", "avx512"};
-
 using TransformAtLevel = std::tuple<Transform, CpuLevel>;
-
-std::string nameOf(const testing::TestParamInfo<TransformAtLevel>& test) {
-    const auto& [transform, level] = test.param;
-    return std::string(transform.name) + "_" + kLevelNames[static_cast<int>(level)];
-}
 
 class UnicodeTransforms : public testing::TestWithParam<TransformAtLevel> {
 protected:
@@ -117,10 +110,10 @@ protected:
             difference.empty())
             return;
         ++failures_;
-        ADD_FAILURE() << "source of " << size << ", room " << room << ", orders " << order.swapSource
-                      << order.swapTarget << ": " << have.status << ' ' << have.consumed << ' ' << have.written
-                      << " for " << want.status << ' ' << want.consumed << ' ' << want.written.size() << "; "
-                      << difference;
+        ADD_FAILURE() << transform_.name << ": source of " << size << ", room " << room << ", orders "
+                      << order.swapSource << order.swapTarget << ": " << have.status << ' ' << have.consumed << ' '
+                      << have.written << " for " << want.status << ' ' << want.consumed << ' ' << want.written.size()
+                      << "; " << difference;
     }
 
     // A source that ends at a faulting page into a target that does.
@@ -240,7 +233,7 @@ TEST_P(UnicodeTransforms, RandomTextSoundAndDamaged) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, UnicodeTransforms,
-                         testing::Combine(testing::ValuesIn(kTransforms), testing::ValuesIn(kLevels)), nameOf);
+                         testing::Combine(testing::ValuesIn(kTransforms), testing::ValuesIn(kLevels)));
 
 // --- UTF-8 whatever its bytes
 
@@ -268,8 +261,7 @@ TEST_P(FromUtf8, EachSequenceOfBytes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, FromUtf8,
-                         testing::Combine(testing::Values(kTransforms[2], kTransforms[4]), testing::ValuesIn(kLevels)),
-                         nameOf);
+                         testing::Combine(testing::Values(kTransforms[2], kTransforms[4]), testing::ValuesIn(kLevels)));
 
 // --- the doors
 

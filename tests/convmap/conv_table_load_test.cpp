@@ -198,49 +198,40 @@ TEST(ConvTableLoad, TwoStepsGoThroughAMiddleCharset) {
 
 // Entries that lead back to themselves, and such whose table would be read as something that it isn't.
 TEST(ConvTableLoad, UnsoundEntriesAreRefused) {
+    const auto dbcs = [](unsigned char raw) {
+        ConvmapBuilder builder;
+        builder.attributes("SHIFT-JIS", nls::test::doubleByte(2));
+        return builder.maps("SHIFT-JIS", "UTF-8", 17, nls::test::smallMaps()).bare("UTF-8", "SHIFT-JIS", raw);
+    };
     struct Row {
         const char* why;
         ConvmapBuilder builder;
         const char *from, *to;
     } rows[] = {
-        {"two opposite entries of type 20", {}, "A", "B"},
-        {"type 29 to UTF-8 itself", {}, "A", "UTF-8"},
-        {"type 30 from UTF-8 itself", {}, "UTF-8", "A"},
-        {"type 29 from UTF-8: its bridge is the identity", {}, "UTF-8", "A"},
-        {"type 20 whose opposite is a type 29 to UTF-8", {}, "UTF-8", "A"},
-        {"type 29 whose bridge is a route through itself", {}, "A", "UTF-16"},
-        {"type 29 whose bridge is a single-byte one", {}, "LATIN", "UTF-16"},
-        {"type 30 whose bridge is a single-byte one", {}, "UTF-16", "LATIN"},
-        {"type 30 whose bridge has no block", {}, "UTF-16", "A"},
-        {"type 29 without a bridge", {}, "A", "UTF-16"},
-        {"two steps as a record", {}, "A", "B"},
-        {"maps without data", {}, "A", "UTF-8"},
-        {"units without data", {}, "A", "UTF-8"},
-        {"both directions of type 18, neither with data", {}, "UTF-8", "A"},
-        {"an inverse whose raw byte is two steps", {}, "SHIFT-JIS", "UTF-8"},
-        {"an inverse whose raw byte is a type 29", {}, "SHIFT-JIS", "UTF-8"},
-        {"an inverse whose raw byte is words of a single-byte charset", {}, "SHIFT-JIS", "UTF-8"},
+        {"two opposite entries of type 20", ConvmapBuilder{}.bare("A", "B", 20).bare("B", "A", 20), "A", "B"},
+        {"type 29 to UTF-8 itself", ConvmapBuilder{}.bare("A", "UTF-8", 29).bare("UTF-8", "A", 18), "A", "UTF-8"},
+        {"type 30 from UTF-8 itself", ConvmapBuilder{}.bare("UTF-8", "A", 30), "UTF-8", "A"},
+        {"type 29 from UTF-8: its bridge is the identity", ConvmapBuilder{}.bare("UTF-8", "A", 29), "UTF-8", "A"},
+        {"type 20 whose opposite is a type 29 to UTF-8", ConvmapBuilder{}.bare("UTF-8", "A", 20).bare("A", "UTF-8", 29),
+         "UTF-8", "A"},
+        {"type 29 whose bridge is a route through itself",
+         ConvmapBuilder{}.bare("A", "UTF-16", 29).bare("UTF-16", "UTF-8", 23), "A", "UTF-16"},
+        {"type 29 whose bridge is a single-byte one", smallWorld().bare("LATIN", "UTF-16", 29), "LATIN", "UTF-16"},
+        {"type 30 whose bridge is a single-byte one", smallWorld().bare("UTF-16", "LATIN", 30), "UTF-16", "LATIN"},
+        {"type 30 whose bridge has no block", ConvmapBuilder{}.bare("UTF-16", "A", 30).bare("UTF-8", "A", 21), "UTF-16",
+         "A"},
+        {"type 29 without a bridge", ConvmapBuilder{}.bare("A", "UTF-16", 29), "A", "UTF-16"},
+        {"two steps as a record", ConvmapBuilder{}.record("A", "B", 7, 512, Bytes(512, 0x11), 7), "A", "B"},
+        {"maps without data",
+         ConvmapBuilder{}.bare("A", "UTF-8", 17).bare("UTF-8", "A", 18).attributes("A", nls::test::singleByte()), "A",
+         "UTF-8"},
+        {"units without data", ConvmapBuilder{}.bare("A", "UTF-8", 19).bare("UTF-8", "A", 20), "A", "UTF-8"},
+        {"both directions of type 18, neither with data",
+         ConvmapBuilder{}.bare("A", "UTF-8", 18).bare("UTF-8", "A", 18), "UTF-8", "A"},
+        {"an inverse whose raw byte is two steps", dbcs(7), "SHIFT-JIS", "UTF-8"},
+        {"an inverse whose raw byte is a type 29", dbcs(29), "SHIFT-JIS", "UTF-8"},
+        {"an inverse whose raw byte is words of a single-byte charset", dbcs(19), "SHIFT-JIS", "UTF-8"},
     };
-    std::size_t i = 0;
-    rows[i++].builder.bare("A", "B", 20).bare("B", "A", 20);
-    rows[i++].builder.bare("A", "UTF-8", 29).bare("UTF-8", "A", 18);
-    rows[i++].builder.bare("UTF-8", "A", 30);
-    rows[i++].builder.bare("UTF-8", "A", 29);
-    rows[i++].builder.bare("UTF-8", "A", 20).bare("A", "UTF-8", 29);
-    rows[i++].builder.bare("A", "UTF-16", 29).bare("UTF-16", "UTF-8", 23);
-    rows[i++].builder = smallWorld().bare("LATIN", "UTF-16", 29);
-    rows[i++].builder = smallWorld().bare("UTF-16", "LATIN", 30);
-    rows[i++].builder.bare("UTF-16", "A", 30).bare("UTF-8", "A", 21);
-    rows[i++].builder.bare("A", "UTF-16", 29);
-    rows[i++].builder.record("A", "B", 7, 512, Bytes(512, 0x11), 7);
-    rows[i++].builder.bare("A", "UTF-8", 17).bare("UTF-8", "A", 18).attributes("A", nls::test::singleByte());
-    rows[i++].builder.bare("A", "UTF-8", 19).bare("UTF-8", "A", 20);
-    rows[i++].builder.bare("A", "UTF-8", 18).bare("UTF-8", "A", 18);
-    for (const auto raw : std::initializer_list<unsigned char>{7, 29, 19}) {
-        rows[i].builder.attributes("SHIFT-JIS", nls::test::doubleByte(2));
-        rows[i++].builder.maps("SHIFT-JIS", "UTF-8", 17, nls::test::smallMaps()).bare("UTF-8", "SHIFT-JIS", raw);
-    }
-    ASSERT_EQ(i, std::size(rows));
     for (Row& row : rows) {
         OpenHandle open{row.builder.build()};
         EXPECT_EQ(get(open, row.from, row.to).status, NLS_NO_CONV_TABLE) << row.why;

@@ -98,22 +98,6 @@ TEST(DatabaseLocale, IsFoundLikeAnyOtherOnBothSidesOfOneConversion) {
     EXPECT_EQ(open.conversion("LATIN", "LATIN"), same);
 }
 
-TEST(DatabaseLocale, LeavesTheChainFromAnyPlace) {
-    OpenHandle open{smallWorld().build()};
-    for (int place = 0; place < 3; ++place) {
-        std::vector<std::unique_ptr<DatabaseLocale>> locales;
-        nlsHdr* const before = open.handle->chainHead;
-        for (int i = 0; i < 3; ++i) locales.push_back(std::make_unique<DatabaseLocale>(open, "LATIN"));
-        locales[static_cast<std::size_t>(place)]->closeAndFree();
-        locales.erase(locales.begin() + place);
-        const nlsHdr &newer = locales[1]->get()->hdr, &older = locales[0]->get()->hdr;
-        EXPECT_TRUE(open.handle->chainHead == &newer && newer.next == &older && older.next == before) << place;
-        EXPECT_TRUE(newer.prev == nullptr && older.prev == &newer && before->prev == &older) << place;
-        for (const auto& locale : locales) locale->closeAndFree();
-        EXPECT_EQ(open.handle->chainHead, before);
-    }
-}
-
 TEST(DatabaseLocale, CloseRefusesWhatItIsNotFor) {
     OpenHandle open{smallWorld().build()};
     auto* const mark = static_cast<void*>(&open);

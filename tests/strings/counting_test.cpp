@@ -155,30 +155,4 @@ TEST(Counting, ExtractsWholeCharacters) {
     }
 }
 
-TEST(Counting, ChecksComeInTheirOrder) {
-    HandLocale locale{nls::test::utf8Charset()};
-    unsigned char buf[4] = "old";
-    nlsStr rec{buf, 4, 3};
-    const auto all = [&](const unsigned char* s, int32_t count, nlsStatus want, nlsStatus extract) {
-        using Counter = nlsStatus (*)(const nlsLocale*, nlsTlsBlock*, const unsigned char*, int32_t, uint32_t*);
-        for (const Counter counter : {&nlsCountColumns, &nlsCountBytes, &nlsCountChars}) {
-            uint32_t out = 7;
-            EXPECT_EQ(counter(locale.get(), nullptr, s, count, &out), want);
-            EXPECT_EQ(out, 0U);
-        }
-        EXPECT_EQ(nlsExtract(locale.get(), nullptr, s, count, &rec), extract);
-        EXPECT_STREQ(reinterpret_cast<const char*>(buf), "old");
-    };
-    all(nullptr, 1, NLS_BAD_ARG, NLS_BAD_ARG);
-    all(buf, -1, NLS_BAD_ARG, NLS_BAD_ARG);
-    EXPECT_EQ(nlsExtract(locale.get(), nullptr, buf, 1, nullptr), NLS_BAD_ARG);
-    locale.get()->attrib = nullptr;
-    all(buf, -1, NLS_NO_ATTRIB, NLS_NO_ATTRIB);
-    all(nullptr, -1, NLS_NO_ATTRIB, NLS_BAD_ARG);
-    locale.get()->hdr.typeTag = NLS_TAG_CLOSED;
-    all(nullptr, -1, NLS_BAD_LOCALE, NLS_BAD_LOCALE);
-    locale.handle().hdr.typeTag = NLS_TAG_CLOSED;
-    all(nullptr, -1, NLS_BAD_HANDLE, NLS_BAD_HANDLE);
-}
-
 }  // namespace

@@ -15,40 +15,47 @@ const unsigned char* bytes(const char* text) {
     return reinterpret_cast<const unsigned char*>(text);
 }
 
-TEST(StrRecord, AppendsWhatFits) {
-    constexpr struct {
-        const char* why;
-        const char* source;
-        int32_t count, bufSize;
-        nlsStatus status;
-        const char* want;
-    } rows[] = {
-        {"fills the room", "defghi", 6, 10, NLS_OK, "abcdefghi"},
-        {"one too many", "defghij", 7, 10, NLS_BUF_SMALL, "abc"},
-        {"the count must fit, not the text", "d", 7, 10, NLS_BUF_SMALL, "abc"},
-        {"stops at the NUL", "d", 6, 10, NLS_OK, "abcd"},
-        {"part of the text", "def", 2, 10, NLS_OK, "abcde"},
-        {"nothing", "def", 0, 10, NLS_OK, "abc"},
-        {"less than nothing", "def", INT32_MIN, 10, NLS_OK, "abc"},
-        {"no source", nullptr, 1, 10, NLS_BAD_ARG, "abc"},
-    };
-    for (const auto& row : rows) {
-        unsigned char buf[10] = "abc";
-        nlsStr rec{buf, row.bufSize, 3};
-        EXPECT_EQ(nlsAppendString(bytes(row.source), row.count, &rec), row.status) << row.why;
-        EXPECT_STREQ(reinterpret_cast<const char*>(buf), row.want) << row.why;
-        EXPECT_EQ(rec.strLength, std::strlen(row.want)) << row.why;
+// A buffer with "abc" in it and the record over it, and what an operation leaves of them.
+struct Target {
+    unsigned char buf[10] = "abc";
+    nlsStr rec;
+    explicit Target(int32_t size) : rec{buf, size, 3} {}
+
+    void expect(const char* want, const char* why) const {
+        EXPECT_STREQ(reinterpret_cast<const char*>(buf), want) << why;
+        EXPECT_EQ(rec.strLength, std::strlen(want)) << why;
     }
+};
+struct Row {
+    const char* why;
+    const char* source;
+    int32_t count;
+    nlsStatus status;
+    const char* want;
+};
+
+TEST(StrRecord, AppendsWhatFits) {
+    constexpr Row rows[] = {
+        {"fills the room", "defghi", 6, NLS_OK, "abcdefghi"},
+        {"one too many", "defghij", 7, NLS_BUF_SMALL, "abc"},
+        {"the count must fit, not the text", "d", 7, NLS_BUF_SMALL, "abc"},
+        {"stops at the NUL", "d", 6, NLS_OK, "abcd"},
+        {"part of the text", "def", 2, NLS_OK, "abcde"},
+        {"less than nothing", "def", INT32_MIN, NLS_OK, "abc"},
+        {"no source", nullptr, 1, NLS_BAD_ARG, "abc"},
+    };
+    for (const Row& row : rows) {
+        Target target{10};
+        EXPECT_EQ(nlsAppendString(bytes(row.source), row.count, &target.rec), row.status) << row.why;
+        target.expect(row.want, row.why);
+    }
+    Target doubled{10};
+    EXPECT_EQ(nlsAppendString(doubled.buf, 6, &doubled.rec), NLS_OK);
+    doubled.expect("abcabc", "appended to itself");
 }
 
 TEST(StrRecord, CopiesWhatFits) {
-    constexpr struct {
-        const char* why;
-        const char* source;
-        int32_t count;
-        nlsStatus status;
-        const char* want;
-    } rows[] = {
+    constexpr Row rows[] = {
         {"all but the NUL", "wxyz", 4, NLS_OK, "wxyz"},
         {"as large as the buffer", "wxyz", 5, NLS_BUF_SMALL, "abc"},
         {"short text", "w", 4, NLS_OK, "w"},
@@ -57,23 +64,23 @@ TEST(StrRecord, CopiesWhatFits) {
         {"less than nothing", "wxyz", -9, NLS_OK, ""},
         {"no source", nullptr, 0, NLS_BAD_ARG, "abc"},
     };
-    for (const auto& row : rows) {
-        unsigned char buf[5] = "abc";
-        nlsStr rec{buf, 5, 3};
-        EXPECT_EQ(nlsCopyString(bytes(row.source), row.count, &rec), row.status) << row.why;
-        EXPECT_STREQ(reinterpret_cast<const char*>(buf), row.want) << row.why;
-        EXPECT_EQ(rec.strLength, std::strlen(row.want)) << row.why;
-
+    for (const Row& row : rows) {
+        Target target{5};
+        EXPECT_EQ(nlsCopyString(bytes(row.source), row.count, &target.rec), row.status) << row.why;
+        target.expect(row.want, row.why);
         if (row.source == nullptr || row.count < 0) continue;
-        unsigned char target[5] = "abc";
-        nlsStr to{target, 5, 3};
+        Target to{5};
         unsigned char source[8] = {};
         std::memcpy(source, row.source, std::strlen(row.source));
         const nlsStr from{source, 8, static_cast<uint32_t>(row.count)};
-        EXPECT_EQ(nlsCopynlsStr(&from, &to), row.status) << row.why;
-        EXPECT_STREQ(reinterpret_cast<const char*>(target), row.want) << row.why;
-        EXPECT_EQ(to.strLength, std::strlen(row.want)) << row.why;
+        EXPECT_EQ(nlsCopynlsStr(&from, &to.rec), row.status) << row.why;
+        to.expect(row.want, row.why);
     }
+    Target emptied{5};
+    nlsStr empty{};
+    EXPECT_EQ(nlsSetString(nullptr, 0, 0, &empty), NLS_OK) << "an empty record needs no buffer";
+    EXPECT_EQ(nlsCopynlsStr(&empty, &emptied.rec), NLS_OK);
+    emptied.expect("", "an empty record");
 }
 
 // Records that no operation makes. Whatever is answered, nothing but the buffer's own bytes is written.
@@ -118,24 +125,11 @@ TEST(StrRecord, FieldsAndNulls) {
     EXPECT_EQ(static_cast<int32_t>(size), -7);
     EXPECT_EQ(length, 3U);
     EXPECT_EQ(buf[0], 'a');
-    EXPECT_EQ(nlsGetBufOfnlsStr(nullptr, &place), NLS_BAD_ARG);
-    EXPECT_EQ(nlsGetBufSizeOfnlsStr(nullptr, &size), NLS_BAD_ARG);
-    EXPECT_EQ(nlsGetStrLengthOfnlsStr(nullptr, &length), NLS_BAD_ARG);
-    EXPECT_EQ(nlsInitString(buf, 4, nullptr), NLS_BAD_ARG);
-    EXPECT_EQ(nlsInitString(nullptr, 4, &rec), NLS_BAD_ARG);
-    EXPECT_EQ(nlsSetString(buf, 4, 0, nullptr), NLS_BAD_ARG);
-    EXPECT_EQ(nlsAppendString(buf, 1, nullptr), NLS_BAD_ARG);
-    EXPECT_EQ(nlsCopyString(buf, 1, nullptr), NLS_BAD_ARG);
-}
-
-TEST(StrRecord, AnEmptyRecordNeedsNoBuffer) {
-    nlsStr from{};
-    EXPECT_EQ(nlsSetString(nullptr, 0, 0, &from), NLS_OK);
-    unsigned char target[4] = "abc";
-    nlsStr to{target, 4, 3};
-    EXPECT_EQ(nlsCopynlsStr(&from, &to), NLS_OK);
-    EXPECT_EQ(target[0], 0);
-    EXPECT_EQ(to.strLength, 0U);
+    for (const nlsStatus status :
+         {nlsGetBufOfnlsStr(nullptr, &place), nlsGetBufSizeOfnlsStr(nullptr, &size),
+          nlsGetStrLengthOfnlsStr(nullptr, &length), nlsInitString(buf, 4, nullptr), nlsInitString(nullptr, 4, &rec),
+          nlsSetString(buf, 4, 0, nullptr), nlsAppendString(buf, 1, nullptr), nlsCopyString(buf, 1, nullptr)})
+        EXPECT_EQ(status, NLS_BAD_ARG);
 }
 
 TEST(StrRecord, PlainCopies) {
@@ -158,14 +152,6 @@ TEST(StrRecord, PlainCopies) {
     const unsigned char open[2] = {'x', 'y'};  // no NUL within the count
     EXPECT_EQ(nlsStrncpy(exact.atEnd(open, 2), exact.atStart(), 2), 2U);
     EXPECT_EQ(nlsStrncpy(bytes(""), exact.atEnd(1), 9), 0U);
-}
-
-TEST(StrRecord, TextAppendedToItselfIsDoubledOnce) {
-    unsigned char buf[16] = "abc";
-    nlsStr rec{buf, 16, 3};
-    EXPECT_EQ(nlsAppendString(buf, 10, &rec), NLS_OK);
-    EXPECT_STREQ(reinterpret_cast<const char*>(buf), "abcabc");
-    EXPECT_EQ(rec.strLength, 6U);
 }
 
 }  // namespace

@@ -65,23 +65,4 @@ TEST(UnicodeCheck, EverySequenceOfTwoBytesAndTheEdgesOfLongerOnes) {
     }
 }
 
-TEST(UnicodeCheck, EveryCodePointIsReadBack) {
-    for (uint32_t value = 0; value <= 0x10FFFF; ++value) {
-        const unsigned char text[] = {
-            static_cast<unsigned char>(0xF0 | value >> 18), static_cast<unsigned char>(0x80 | (value >> 12 & 0x3F)),
-            static_cast<unsigned char>(0x80 | (value >> 6 & 0x3F)), static_cast<unsigned char>(0x80 | (value & 0x3F))};
-        if (value >= 0x10000) {
-            ASSERT_EQ(tool::firstUtf8(text).length, 4U);
-            ASSERT_EQ(tool::codePointOf(text), value);
-        }
-        unsigned char unit[4];
-        std::memcpy(unit, &value, 4);
-        const bool surrogate = value >= 0xD800 && value < 0xE000;
-        ASSERT_EQ(tool::validUtf32(unit, false), !surrogate);
-        if (value < 0x10000) {
-            ASSERT_EQ(tool::validUtf16(ByteView{unit, 2}, false), !surrogate);
-        }
-    }
-}
-
 }  // namespace

@@ -72,26 +72,6 @@ TEST(Ucs2Pack, ReadsBackForEveryShiftAndDensity) {
     }
 }
 
-TEST(Ucs2Pack, EmptyRowsAreOneAndFarCellsTakeTwo) {
-    std::mt19937 random{1};
-    World world = randomWorld(random, 3, 2, 0);
-    // Three rows of eight columns: 1 and 7 mapped; nothing; 0 mapped. Two empty rows more.
-    world.source.maps[kFirst].rows->blocks = {{0x400, 0x427}};
-    const Code codes[] = {0x8140, 0x8141, 0x8142};
-    const uint32_t codePoints[] = {0x401, 0x407, 0x410};
-    for (int at = 0; at < 3; ++at) {
-        world.mapping.forth.emplace(codes[at], codePoints[at]);
-        world.mapping.back.emplace(codePoints[at], codes[at]);
-    }
-    const PackedMap map = packMaps(world.source, world.mapping)[kFirst];
-    const std::vector<uint16_t> cells{0 << 2 | 1, 1 << 2 | 0, 6, 2 << 2 | 1,  // column 0, 1 and six on, 7
-                                      0,          8,                          // the empty row
-                                      3 << 2 | 0, 8};                         // column 0 alone
-    EXPECT_EQ(map.ucsCells, cells);
-    EXPECT_EQ(map.ucsRows, (std::vector<uint16_t>{0, 4, 6, 4, 4}));
-    EXPECT_EQ(map.record.ranges[0].rangeEnd, 0U) << "one block of the first plane needs no triple";
-}
-
 // A change of any word of any array has to show, or the check of the finished maps is no check. Distances are left out:
 // one that passes the end of its row may grow.
 TEST(Ucs2Pack, TheCheckSeesEveryChangedWord) {
@@ -110,32 +90,6 @@ TEST(Ucs2Pack, TheCheckSeesEveryChangedWord) {
     }
     maps[kFirst].ucsCells.pop_back();
     EXPECT_EQ(differenceOf(maps, world.mapping), "a walk leaves ucsCells");
-}
-
-// Codes just outside a grid are misses, whatever ranges it lacks.
-TEST(Ucs2Grid, RefusesEveryCodeOutside) {
-    const Place place{"grid", 1};
-    const Grid grids[] = {
-        Grid(place, {{0xA1, 0xF7}}, {{0xA1, 0xFE}}),
-        Grid(place, {{0x81, 0x9F}, {0xE0, 0xFC}}, {{0x40, 0x7E}, {0x80, 0xFC}}),
-        Grid(place, {{0x00, 0x00}, {0xC1, 0xCF}}, {{0x20, 0xFF}}),
-        Grid(place, {{0x00, 0x00}}, {{0x5C, 0xDF}}),
-    };
-    for (const Grid& grid : grids) {
-        nlsUcs2Map record{};
-        grid.describe(record);
-        for (uint32_t code = 1; code < 0xFFFF; ++code) {
-            const auto number = grid.number(static_cast<Code>(code));
-            const uint32_t have = cjisOfCode(record, code);
-            if (number) {
-                ASSERT_EQ(have, *number) << hexText(code, 4);
-                ASSERT_EQ(codeOfCjis(record, *number), code);
-            } else {
-                // The lead byte FF passes where there is one range of leads: it counts as a row behind the last.
-                ASSERT_TRUE(have == kMiss || (code >> 8) > record.leadLast1) << hexText(code, 4);
-            }
-        }
-    }
 }
 
 }  // namespace
