@@ -1,4 +1,4 @@
-// The order in which the doors on characters and text check what they are given, and what their out-arguments hold then.
+// The order in which the doors on characters and text check what they get, and what their out-arguments hold then.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,7 +12,8 @@ namespace {
 
 constexpr unsigned char kText[] = "ab";
 
-// The status of each door (13 handle, 24 locale, 27 no table, 16 argument), and what became of its out-argument: k for kept, 0 for cleared. Most get a null argument.
+// The status of each door (13 handle, 24 locale, 27 no table, 16 argument), and what became of its out-argument: k for
+// kept, 0 for cleared. Most get a null argument.
 std::string callAll(const nlsLocale* l) {
     std::ostringstream told;
     uint32_t number = 5;

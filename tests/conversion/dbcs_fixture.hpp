@@ -1,5 +1,5 @@
-// What the tests of multi-byte charsets share: the names of the charsets, hex, records with wild fields, and arrays that
-// end at a page that faults.
+// What the tests of multi-byte charsets share: their names, hex, records with wild fields, and arrays that end at a
+// page that faults.
 #pragma once
 
 #include <gtest/gtest.h>

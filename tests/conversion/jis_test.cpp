@@ -65,7 +65,7 @@ TEST(Jis, RuleOnPublishedPairsAndAllOthers) {
     }
 }
 
-// Every pair of bytes in a text of two-byte characters, at each place of a block, one in three times behind an odd byte.
+// Every pair of bytes in a text of two-byte characters, at each place of a block, every third behind an odd byte.
 TEST(JisTexts, EveryPairOfBytesInsideText) {
     Sweep sweep;
     for (const Direction& direction : kDirections)

@@ -135,21 +135,19 @@ TEST(Handle, ClosedOnceAndForAll) {
     unsigned char maps[480];
     const uint16_t units[256] = {};
     for (nlsHandle* const handle : {open.handle, static_cast<nlsHandle*>(nullptr)}) {
-        const nlsStatus statuses[] = {
-            nlsClose(handle),
-            nlsAddBuffer(handle, nullptr, 0),
-            nlsCreateLocale(handle, "LATIN", NLS_NO_COLLATION, nullptr, &out),
-            getTOC(handle),
-            nlsGetAttribStructPtr(handle, "LATIN", &attrib),
-            nlsGetConvTablePtr(handle, "LATIN", "UTF-8", 0, &table),
-            get2StepConvTablePtr(handle, "LATIN", "UTF-16", 0, &table),
-            insertInverseStruct(handle, "LATIN", "UTF-8", maps, 0),
-            readUCS2Data(handle, "SHIFT-JIS", "UTF-8", maps),
-            getUCS2Data(handle, "SHIFT-JIS", "UTF-8", 17, &table),
-            computeUtf8TableData(handle, "LATIN", "UTF-8", 19, units, &table),
-            nlsCreateConversion(handle, locale, locale, &converted),
-            nlsCloseDBLocale(handle == nullptr ? nullptr : locale, &block, &size),
-        };
+        const nlsStatus statuses[] = {nlsClose(handle),
+                                      nlsAddBuffer(handle, nullptr, 0),
+                                      nlsCreateLocale(handle, "LATIN", NLS_NO_COLLATION, nullptr, &out),
+                                      getTOC(handle),
+                                      nlsGetAttribStructPtr(handle, "LATIN", &attrib),
+                                      nlsGetConvTablePtr(handle, "LATIN", "UTF-8", 0, &table),
+                                      get2StepConvTablePtr(handle, "LATIN", "UTF-16", 0, &table),
+                                      insertInverseStruct(handle, "LATIN", "UTF-8", maps, 0),
+                                      readUCS2Data(handle, "SHIFT-JIS", "UTF-8", maps),
+                                      getUCS2Data(handle, "SHIFT-JIS", "UTF-8", 17, &table),
+                                      computeUtf8TableData(handle, "LATIN", "UTF-8", 19, units, &table),
+                                      nlsCreateConversion(handle, locale, locale, &converted),
+                                      nlsCloseDBLocale(handle == nullptr ? nullptr : locale, &block, &size)};
         for (std::size_t i = 0; i < std::size(statuses); ++i) EXPECT_EQ(statuses[i], NLS_BAD_HANDLE) << i;
     }
 }
@@ -209,22 +207,20 @@ TEST(Handle, NullPointersAreRefused) {
     nlsTlsBlock* tls = nullptr;
     void* memory = nullptr;
     uint32_t size = 48;
-    const nlsStatus statuses[] = {
-        nlsInit(0, nullptr, 25000, MemoryFile::read, &handle),
-        nlsInit(0, block.data(), 25000, nullptr, &handle),
-        nlsInit(0, block.data(), 25000, MemoryFile::read, nullptr),
-        nlsAddBuffer(open.handle, nullptr, 76000),
-        nlsGetMem(open.handle, 8, 8, nullptr),
-        nlsTlsInit(0, block.data(), nullptr, &tls),
-        nlsTlsInit(0, block.data(), &size, nullptr),
-        nlsCreateLocale(open.handle, nullptr, nullptr, nullptr, &found),
-        nlsCreateLocale(open.handle, "LATIN", nullptr, nullptr, nullptr),
-        findLocale(nullptr, "LATIN", nullptr, nullptr, &found),
-        nlsCreateConversion(open.handle, locale, locale, nullptr),
-        findConversion(open.handle, locale, locale, nullptr),
-        nlsCloseDBLocale(locale, nullptr, &size),
-        nlsCloseDBLocale(locale, &memory, nullptr),
-    };
+    const nlsStatus statuses[] = {nlsInit(0, nullptr, 25000, MemoryFile::read, &handle),
+                                  nlsInit(0, block.data(), 25000, nullptr, &handle),
+                                  nlsInit(0, block.data(), 25000, MemoryFile::read, nullptr),
+                                  nlsAddBuffer(open.handle, nullptr, 76000),
+                                  nlsGetMem(open.handle, 8, 8, nullptr),
+                                  nlsTlsInit(0, block.data(), nullptr, &tls),
+                                  nlsTlsInit(0, block.data(), &size, nullptr),
+                                  nlsCreateLocale(open.handle, nullptr, nullptr, nullptr, &found),
+                                  nlsCreateLocale(open.handle, "LATIN", nullptr, nullptr, nullptr),
+                                  findLocale(nullptr, "LATIN", nullptr, nullptr, &found),
+                                  nlsCreateConversion(open.handle, locale, locale, nullptr),
+                                  findConversion(open.handle, locale, locale, nullptr),
+                                  nlsCloseDBLocale(locale, nullptr, &size),
+                                  nlsCloseDBLocale(locale, &memory, nullptr)};
     for (std::size_t i = 0; i < std::size(statuses); ++i) EXPECT_EQ(statuses[i], NLS_BAD_ARG) << i;
     EXPECT_EQ(nlsCreateConversion(nullptr, locale, locale, nullptr), NLS_BAD_HANDLE);
     EXPECT_EQ(block[0], 7U);

@@ -14,7 +14,7 @@ namespace nls::real {
 
 namespace {
 
-constexpr std::size_t kArena = std::size_t{8} << 20;
+constexpr int32_t kArena = 8 << 20;
 
 Family familyOf(uint16_t rawFlags) {
     if (rawFlags & NLS_CHARSET_UTF8) return Family::utf8;
@@ -43,23 +43,15 @@ const Bytes& dataFile() {
     return bytes;
 }
 
-uint32_t readData(uint32_t, uint32_t offset, void* buffer, uint32_t length) {
-    const Bytes& bytes = dataFile();
-    if (offset > bytes.size() || length > bytes.size() - offset) return 0;
-    std::memcpy(buffer, bytes.data() + offset, length);
-    return length;
-}
-
 RealFile& RealFile::shared() {
     static RealFile file;
     return file;
 }
 
-RealFile::RealFile() : arena_(kArena / sizeof(uint64_t)) {
-    const nlsStatus status = nlsInit(0, arena_.data(), static_cast<int32_t>(kArena), readData, &handle_);
-    if (status != NLS_OK) throw std::runtime_error("nlsInit: " + std::to_string(status));
-    for (int32_t at = 0; at < handle_->tocCount; ++at) {
-        const nlsTocEntry& entry = handle_->toc[at];
+RealFile::RealFile() : open_(dataFile(), kArena) {
+    if (!open_.isOpen()) throw std::runtime_error("nlsInit: " + std::to_string(open_.status));
+    for (int32_t at = 0; at < open_.handle->tocCount; ++at) {
+        const nlsTocEntry& entry = open_.handle->toc[at];
         const std::string name = entry.name1;
         if (entry.entryType == kConversionEntry) pairs_.emplace_back(name, entry.name2);
         if (entry.entryType == kAttributeEntry)
@@ -74,23 +66,16 @@ const Name& RealFile::charset(const std::string& name) const {
     return *found;
 }
 
-std::vector<std::string> RealFile::legacyCharsets() const {
+std::vector<std::string> RealFile::names(bool unicode) const {
     std::vector<std::string> names;
     for (const Name& name : charsets_)
-        if (!name.isUnicode()) names.push_back(name.text);
-    return names;
-}
-
-std::vector<std::string> RealFile::unicodeForms() const {
-    std::vector<std::string> names;
-    for (const Name& name : charsets_)
-        if (name.isUnicode()) names.push_back(name.text);
+        if (name.isUnicode() == unicode) names.push_back(name.text);
     return names;
 }
 
 nlsLocale* RealFile::locale(const std::string& name) {
     nlsLocale* made = nullptr;
-    const nlsStatus status = nlsCreateLocale(handle_, name.c_str(), NLS_NO_COLLATION, nullptr, &made);
+    const nlsStatus status = nlsCreateLocale(open_.handle, name.c_str(), NLS_NO_COLLATION, nullptr, &made);
     if (status != NLS_OK) throw std::runtime_error("locale " + name + ": " + std::to_string(status));
     return made;
 }
@@ -99,7 +84,7 @@ const nlsConversion* RealFile::find(const std::string& from, const std::string& 
     const auto known = found_.find({from, to});
     if (known != found_.end()) return known->second;
     nlsConversion* made = nullptr;
-    const nlsStatus status = nlsCreateConversion(handle_, locale(from), locale(to), &made);
+    const nlsStatus status = nlsCreateConversion(open_.handle, locale(from), locale(to), &made);
     if (status != NLS_OK && status != NLS_NO_CONV_TABLE)
         throw std::runtime_error(from + " to " + to + ": " + std::to_string(status));
     return found_[{from, to}] = made;

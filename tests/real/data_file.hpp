@@ -13,6 +13,7 @@
 #include "core/base/cpu.hpp"
 #include "core/base/views.hpp"
 #include "nls/nls.h"
+#include "tests/support/open_handle.hpp"
 
 namespace nls::real {
 
@@ -30,17 +31,14 @@ struct Name {
 
 const Bytes& dataFile();
 
-// A read callback over dataFile().
-uint32_t readData(uint32_t fileHandle, uint32_t offset, void* buffer, uint32_t length);
-
 // A handle with memory for everything that the file holds.
 class RealFile {
 public:
     static RealFile& shared();
 
     const std::vector<Name>& charsets() const { return charsets_; }
-    std::vector<std::string> legacyCharsets() const;
-    std::vector<std::string> unicodeForms() const;
+    std::vector<std::string> legacyCharsets() const { return names(false); }
+    std::vector<std::string> unicodeForms() const { return names(true); }
     const Name& charset(const std::string& name) const;
 
     // The pairs that have an entry of their own, in the order of the file.
@@ -55,9 +53,9 @@ public:
 private:
     RealFile();
     nlsLocale* locale(const std::string& name);
+    std::vector<std::string> names(bool unicode) const;
 
-    std::vector<uint64_t> arena_;
-    nlsHandle* handle_ = nullptr;
+    test::OpenHandle open_;
     std::vector<Name> charsets_;
     std::vector<std::pair<std::string, std::string>> pairs_;
     std::map<std::pair<std::string, std::string>, const nlsConversion*> found_;

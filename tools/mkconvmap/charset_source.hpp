@@ -3,7 +3,7 @@
 // What every description says stands here: name, kind, what is known of its bytes. A single-byte charset also has its
 // 256 characters here. The mapping of a multi-byte charset has a language of its own: those lines are kept as they are
 // and read by ucs2_source.hpp. data/README.md tells the whole language.
-// Tested by tests/tools/refusals_test.cpp and tests/tools/charset_facts_test.cpp.
+// Tested by tests/tools/refusals_test.cpp.
 #pragma once
 
 #include <array>

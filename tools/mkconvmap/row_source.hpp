@@ -2,7 +2,7 @@
 //
 // Only decoding is asked, one character at a time: encoders add fallbacks and transliterations of their own, so the way
 // back is always derived from the way forth.
-// Tested by tests/tools/charset_facts_test.cpp.
+// Tested by tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
 // Which known name somebody may have meant.
-// Tested by tests/tools/nearest_names_test.cpp.
+// Tested by tests/tools/nls_names_test.cpp.
 #pragma once
 
 #include <string>

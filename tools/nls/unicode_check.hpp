@@ -1,5 +1,5 @@
 // Strict well-formedness of Unicode text, stricter than the library's conversions, which go by lengths alone.
-// Tested by tests/tools/unicode_check_test.cpp.
+// Tested by tests/tools/nls_names_test.cpp.
 #pragma once
 
 #include <cstdint>
