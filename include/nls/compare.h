@@ -28,6 +28,10 @@
 
 NLS_BEGIN_DECLS
 
+/* The version of the orders below. It rises with any change by which two texts, or their keys, come to stand otherwise
+   under the same tables: what was sorted before must then be sorted again. */
+enum { NLS_ORDER_VERSION = 1 };
+
 /* ---- Comparison ---- */
 
 /* Values of `*result`: a word of 16 bits. */

@@ -28,6 +28,11 @@ public:
     // REQUIRES: reserved before, and written.
     void grow(std::size_t count) { size_ += count; }
 
+    // Takes away the first bytes. REQUIRES: count <= size().
+    void dropFront(std::size_t count) {
+        if (count != 0 && count != size_) std::memmove(bytes_.get(), bytes_.get() + count, size_ - count);
+        size_ -= count;
+    }
     void append(ByteView bytes) {
         if (bytes.empty()) return;
         std::memcpy(reserve(bytes.size()), bytes.data(), bytes.size());

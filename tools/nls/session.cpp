@@ -1,5 +1,7 @@
 #include "tools/nls/session.hpp"
 
+#include <algorithm>
+
 #include "tools/nls/failure.hpp"
 #include "tools/nls/nearest_names.hpp"
 
@@ -8,6 +10,10 @@ namespace {
 
 constexpr std::size_t smallestBlock = std::size_t{1} << 18;
 constexpr std::size_t largestBlock = std::size_t{1} << 24;
+
+// Entry types of the contents.
+constexpr uint16_t caseEntry = 3;
+constexpr uint16_t collationEntry = 4;
 
 std::string openingFailure(nlsStatus status) {
     switch (status) {
@@ -82,6 +88,63 @@ nlsLocale* Session::locale(const std::string& charset) {
     }
     throw Failure(Exit::fileTrouble, dataFile() + ": the record of charset \"" + charset + "\" can't be read (status " +
                                          std::to_string(status) + ")");
+}
+
+nlsLocale* Session::locale(const std::string& charset, const std::string& collation, const std::string& caseName) {
+    nlsLocale* const plain = locale(charset);
+    if (collation.empty() && caseName.empty()) return plain;
+    nlsLocale* made = nullptr;
+    const char* const collationName = collation.empty() ? NLS_NO_COLLATION : collation.c_str();
+    const nlsStatus status = withRoom(
+        [&] {
+            return nlsCreateLocale(handle_, charset.c_str(), collationName,
+                                   caseName.empty() ? nullptr : caseName.c_str(), &made);
+        },
+        NLS_NO_MEM);
+    if (status != NLS_OK) refuseLocale(status, plain->charsetName, collation, caseName);
+    return made;
+}
+
+void Session::refuseLocale(nlsStatus status, const std::string& charset, const std::string& collation,
+                           const std::string& caseName) const {
+    if (status == NLS_NO_COLL_TABLE) refuseCollation(charset, collation);
+    if (status == NLS_NO_CASE_TABLE) {
+        throw Failure(Exit::usage, charset + " has no case table \"" + caseName + "\"" +
+                                       nearestNamesHint(caseName, namesOf(caseEntry, charset)));
+    }
+    if (status == NLS_BAD_COLLATION) {
+        throw Failure(Exit::fileTrouble, dataFile() + ": the collation " + charset + "/" + collation +
+                                             " can't be used: its record is unsound, or it belongs to a sort of the "
+                                             "site's own that isn't there");
+    }
+    throw Failure(Exit::fileTrouble, dataFile() + ": " + charset + "/" + collation + " can't be loaded (status " +
+                                         std::to_string(status) + ")");
+}
+
+// All of them are told where none comes near.
+void Session::refuseCollation(const std::string& charset, const std::string& collation) const {
+    const std::vector<std::string> own = namesOf(collationEntry, charset);
+    std::string hint = nearestNamesHint(collation, own);
+    if (hint.empty()) {
+        for (const std::string& name : own) hint += (hint.empty() ? " (it has " : ", ") + name;
+        if (!hint.empty()) hint += ")";
+    }
+    throw Failure(Exit::usage, charset + " has no collation \"" + collation + "\"" + hint);
+}
+
+std::vector<std::string> Session::namesOf(uint16_t entryType, const std::string& charset) const {
+    std::vector<std::string> names;
+    for (const nlsTocEntry& entry : contents()) {
+        if (entry.entryType != entryType || nlsStbcmp(entry.name1, charset.c_str()) != 0) continue;
+        names.emplace_back(entry.name2);
+    }
+    return names;
+}
+
+bool Session::hasCaseTable(const std::string& charset, const std::string& caseName) const {
+    const std::vector<std::string> names = namesOf(caseEntry, charset);
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& name) { return nlsStbcmp(name.c_str(), caseName.c_str()) == 0; });
 }
 
 const nlsConversion* Session::conversion(nlsLocale* from, nlsLocale* to) {

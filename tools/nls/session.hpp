@@ -29,6 +29,11 @@ public:
     // A locale of a charset, without collation and case table. An unknown name is a usage failure with the nearest
     // names.
     nlsLocale* locale(const std::string& charset);
+    // A locale with a collation and, unless `caseName` is empty, a case table; an empty `collation` is none. Unknown names
+    // are usage failures with the nearest names.
+    nlsLocale* locale(const std::string& charset, const std::string& collation, const std::string& caseName);
+    // Whether the file has that case table for the charset.
+    bool hasCaseTable(const std::string& charset, const std::string& caseName) const;
     // Null if the file knows no way from one to the other.
     const nlsConversion* conversion(nlsLocale* from, nlsLocale* to);
 
@@ -37,6 +42,11 @@ public:
 
 private:
     nlsStatus open(std::size_t blockSize);
+    // The names of a charset's records of one type.
+    std::vector<std::string> namesOf(uint16_t entryType, const std::string& charset) const;
+    [[noreturn]] void refuseCollation(const std::string& charset, const std::string& collation) const;
+    [[noreturn]] void refuseLocale(nlsStatus status, const std::string& charset, const std::string& collation,
+                                   const std::string& caseName) const;
     // Calls `create` again with a further, larger buffer as long as it answers `full`.
     template <typename Create>
     nlsStatus withRoom(Create create, nlsStatus full);

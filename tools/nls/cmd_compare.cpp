@@ -1,0 +1,70 @@
+#include "tools/nls/commands.hpp"
+#include "tools/nls/json.hpp"
+#include "tools/nls/order_options.hpp"
+
+namespace nls::tool {
+namespace {
+
+struct Options {
+    OrderOptions order;
+    std::string a, b;
+    bool raw = false;
+};
+
+ByteView bytesOf(const std::string& text) {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+// A text of the command line in the charset.
+ByteBuffer inCharset(const TextCharset& charset, const std::string& text, bool raw) {
+    ByteBuffer bytes;
+    if (raw) {
+        bytes.append(bytesOf(text));
+    } else if (!validUtf8(bytesOf(text))) {
+        throw Failure(Exit::badInput, "\"" + text + "\" is not valid UTF-8; --raw takes bytes as they are");
+    } else if (!text.empty() && !charset.encode(bytesOf(text), bytes)) {
+        throw Failure(Exit::badInput, charset.name() + " lacks a character of \"" + text + "\"");
+    }
+    return bytes;
+}
+
+Exit compare(const Common& common, const Options& options) {
+    Session session{findDataFile(common.dataFile)};
+    const Order order{session, options.order.order, options.order.mode()};
+    const ByteBuffer a = inCharset(order.charset(), options.a, options.raw);
+    const ByteBuffer b = inCharset(order.charset(), options.b, options.raw);
+    const int sign = order.compare(a.view(), b.view());
+    const char* const answer = sign < 0 ? "<" : sign > 0 ? ">" : "=";
+    if (!common.json) {
+        print(std::string(answer) + "\n");
+        return Exit::done;
+    }
+    JsonWriter json;
+    json.open('{').member("command", "compare").member("order", std::string_view(order.name()));
+    json.member("mode", std::string_view(options.order.fold)).member("a", std::string_view(options.a));
+    json.member("b", std::string_view(options.b)).member("answer", answer).close('}');
+    print(json.text() + "\n");
+    return Exit::done;
+}
+
+}  // namespace
+
+void addCompare(CLI::App& app, const Common& common, Run& run) {
+    CLI::App* const command = app.add_subcommand("compare", "which of two texts sorts first?");
+    auto options = std::make_shared<Options>();
+    addOrderOptions(*command, options->order);
+    command->add_flag("--raw", options->raw, "A and B are bytes of the charset, and not UTF-8");
+    command->add_option("A", options->a, "a text, as UTF-8")->required()->type_name("");
+    command->add_option("B", options->b, "another")->required()->type_name("");
+    command->footer(
+        "Writes < if A sorts before B, > if it sorts after it, and = if they are equal: exit code 0 all the same. 1: a "
+        "text isn't valid, or the charset lacks a character of it.\n"
+        "\n"
+        "Examples:\n"
+        "  nls compare -l 1252/swedish \xC3\x85land Zorn          >\n"
+        "  nls compare -l 1252/german -f fold Stra\xC3\x9F"
+        "e STRASSE\n");
+    command->callback([&common, &run, options] { run = [&common, options] { return compare(common, *options); }; });
+}
+
+}  // namespace nls::tool

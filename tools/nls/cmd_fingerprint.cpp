@@ -1,0 +1,50 @@
+#include "tools/nls/commands.hpp"
+#include "tools/nls/json.hpp"
+#include "tools/nls/order_print.hpp"
+
+namespace nls::tool {
+namespace {
+
+void addToJson(JsonWriter& json, const Order& order, const std::string& print) {
+    json.open('{').member("order", std::string_view(order.name())).member("fingerprint", std::string_view(print));
+    json.member("kind", int64_t{order.collation().collKind}).member("subKind", uint64_t{order.collation().collSubKind});
+    json.member("caseTable", std::string_view(order.locale()->caseName)).member("viaShiftJis", order.isBridged());
+    json.close('}');
+}
+
+Exit fingerprint(const Common& common, const std::vector<std::string>& names) {
+    Session session{findDataFile(common.dataFile)};
+    JsonWriter json;
+    json.open('{').member("command", "fingerprint").member("orderVersion", uint64_t{NLS_ORDER_VERSION});
+    json.key("orders").open('[');
+    std::string lines;
+    for (const std::string& name : names) {
+        const Order order{session, name, Fold::exact};
+        const std::string print = fingerprintOf(order);
+        addToJson(json, order, print);
+        lines += print + "  " + order.name() + "\n";
+    }
+    json.close(']').close('}');
+    print(common.json ? json.text() + "\n" : lines);
+    return Exit::done;
+}
+
+}  // namespace
+
+void addFingerprint(CLI::App& app, const Common& common, Run& run) {
+    CLI::App* const command = app.add_subcommand("fingerprint", "a digest of everything that decides an order");
+    auto names = std::make_shared<std::vector<std::string>>();
+    command->add_option("ORDER", *names, "CHARSET/COLLATION")->required()->type_name("");
+    command->footer(
+        "Two hosts whose prints are the same sort the same way, exactly and folded: an index that one has built is in "
+        "order for the other. The digest is SHA-256 over the collation's kind and maps, the charset's way of forming "
+        "characters, and where they take part the case table and the conversion to Shift-JIS.\n"
+        "\n"
+        "Examples:\n"
+        "  nls fingerprint 1252/swedish\n"
+        "  nls fingerprint -D old.cp UTF-8/basic EUCJIS/basic > old; nls fingerprint UTF-8/basic EUCJIS/basic | diff "
+        "old -\n");
+    command->callback([&common, &run, names] { run = [&common, names] { return fingerprint(common, *names); }; });
+}
+
+}  // namespace nls::tool
