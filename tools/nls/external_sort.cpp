@@ -16,9 +16,9 @@ std::size_t fanIn(std::size_t memory) {
 // The readers with the one that has the next line in front: a heap. Of equal lines that of the earlier run is next.
 class Merger {
 public:
-    Merger(const SpillFile& file, const std::vector<Run>& runs, std::size_t bufferSize, const LineOrder& order)
+    Merger(const SpillFile& file, const std::vector<SortedRun>& runs, std::size_t bufferSize, const LineOrder& order)
         : order_(order) {
-        for (const Run& run : runs) readers_.push_back(std::make_unique<RunReader>(file, run, bufferSize, order));
+        for (const SortedRun& run : runs) readers_.push_back(std::make_unique<RunReader>(file, run, bufferSize, order));
         for (std::size_t i = 0; i < readers_.size(); ++i) heap_.push_back(i);
         for (std::size_t i = heap_.size(); i-- != 0;) sink(i);
     }

@@ -31,7 +31,7 @@ public:
     static unsigned passes(uint64_t bytes, std::size_t memory);
 
 private:
-    using Runs = std::vector<Run>;
+    using Runs = std::vector<SortedRun>;
 
     void spill();
     void merge(const SpillFile& file, const Runs& runs, const LineSink& sink);

@@ -62,9 +62,9 @@ void SpillFile::flush() {
     gathered_.clear();
 }
 
-Run SpillFile::endRun() {
+SortedRun SpillFile::endRun() {
     flush();
-    const Run run{runBegin_, size_};
+    const SortedRun run{runBegin_, size_};
     runBegin_ = size_;
     return run;
 }
@@ -81,7 +81,7 @@ std::size_t SpillFile::read(uint64_t place, unsigned char* target, std::size_t r
     return done;
 }
 
-RunReader::RunReader(const SpillFile& file, Run run, std::size_t bufferSize, const LineOrder& order)
+RunReader::RunReader(const SpillFile& file, SortedRun run, std::size_t bufferSize, const LineOrder& order)
     : file_(file), rest_(run), bufferSize_(bufferSize), order_(order) {
     advance();
 }

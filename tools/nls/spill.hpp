@@ -9,7 +9,7 @@
 namespace nls::tool {
 
 // Where a run stands in its file.
-struct Run {
+struct SortedRun {
     uint64_t begin, end;
 };
 
@@ -23,7 +23,7 @@ public:
 
     void write(const SortedLine& line);
     // Ends the run that was being written.
-    Run endRun();
+    SortedRun endRun();
     // Bytes that were read; less than `room` at the end of the file alone.
     std::size_t read(uint64_t place, unsigned char* target, std::size_t room) const;
 
@@ -40,7 +40,7 @@ private:
 // The lines of a run, one after the other.
 class RunReader {
 public:
-    RunReader(const SpillFile& file, Run run, std::size_t bufferSize, const LineOrder& order);
+    RunReader(const SpillFile& file, SortedRun run, std::size_t bufferSize, const LineOrder& order);
 
     bool isAtEnd() const { return atEnd_; }
     // REQUIRES: not at the end. It lives until the next advance.
@@ -51,7 +51,7 @@ private:
     bool have(std::size_t bytes);
 
     const SpillFile& file_;
-    Run rest_;  // what hasn't been read into the buffer
+    SortedRun rest_;  // what hasn't been read into the buffer
     std::size_t bufferSize_;
     const LineOrder& order_;
     ByteBuffer buffer_;
