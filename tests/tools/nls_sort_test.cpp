@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <csignal>
 #include <functional>
 #include <random>
 #include <sstream>
