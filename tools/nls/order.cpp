@@ -9,6 +9,10 @@ namespace {
 constexpr const char* basic = "basic";
 
 const nlsLocale* findLocale(Session& session, const TextCharset& charset, const OrderName& name) {
+    if (charset.form() == TextCharset::Form::units16 || charset.form() == TextCharset::Form::units32) {
+        throw Failure(Exit::usage, "text in " + charset.name() +
+                                       " can't be compared, since comparison ends at a NUL; convert it to UTF-8 first");
+    }
     const std::string collation = name.collation.empty() ? basic : name.collation;
     std::string caseTable = name.caseTable;
     if (caseTable.empty() && charset.isUtf8() && session.hasCaseTable(charset.name(), basic)) caseTable = basic;
@@ -25,11 +29,8 @@ Order::Order(Session& session, const std::string& name, Fold fold)
     tryIt();
 }
 
+// The library tells by its status what it can't compare by.
 void Order::tryIt() const {
-    if (charset_.form() == TextCharset::Form::units16 || charset_.form() == TextCharset::Form::units32) {
-        throw Failure(Exit::usage, "text in " + charset_.name() +
-                                       " can't be compared, since comparison ends at a NUL; convert it to UTF-8 first");
-    }
     const unsigned char letter[] = {'a', 0};
     compare({letter, 1}, {letter, 1});
 }
