@@ -1,0 +1,288 @@
+// Comparison and sort keys of byte tables, beside ICU's root collator, glibc's strcoll and strxfrm, strcasecmp and memcmp.
+//
+// Columns of 200,000 names, addresses and codes of 8 to 64 bytes; pairs of them at random, neighbouring in order, equal,
+// and differing in case; texts of a kilobyte that begin alike, and random ones. ICU compares the same texts in UTF-8, at
+// secondary strength beside the folded maps and at tertiary strength beside the exact ones.
+//   bench_collation [--cpu-level=1|2|3] [flags of Google Benchmark]
+#include <strings.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "bench/support/charset_work.hpp"
+#include "bench/support/collators.hpp"
+#include "bench/support/columns.hpp"
+#include "bench/support/peers.hpp"
+#include "tests/support/hand_collations.hpp"
+
+namespace {
+
+using nls::bench::Candidate;
+using nls::bench::IcuCollator;
+using nls::bench::Language;
+using nls::test::CollatedLocale;
+
+constexpr std::size_t kRows = 200'000;
+
+const unsigned char* bytes(const std::string& text) {
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+// A charset, its collation, and what the peers need.
+struct Charset {
+    const char* label;
+    Language language;
+    const char* iconvName;
+    std::unique_ptr<CollatedLocale> locale;
+    locale_t glibc;
+    bool singleByte;
+};
+
+// The same texts in the charset, in UTF-8 and in UTF-16.
+struct Texts {
+    std::vector<std::string> own, utf8;
+    std::vector<std::u16string> utf16;
+
+    Texts(const Charset& charset, std::vector<std::string> all) : utf8(std::move(all)) {
+        const nls::bench::Iconv iconv("UTF-8", charset.iconvName);
+        for (const std::string& text : utf8) {
+            own.push_back(iconv.convert(text));
+            utf16.push_back(nls::bench::utf16Of(text));
+        }
+    }
+    std::size_t size() const {
+        return std::accumulate(own.begin(), own.end(), std::size_t{0},
+                               [](auto sum, auto& text) { return sum + text.size(); });
+    }
+};
+
+struct Pair {
+    std::size_t a, b;
+};
+
+int compareOurs(const Charset& charset, const std::string& a, const std::string& b, uint16_t mode) {
+    uint16_t result = 0;
+    if (nlsCompareN(charset.locale->get(), nullptr, bytes(a), bytes(b), static_cast<int32_t>(a.size()),
+                    static_cast<int32_t>(b.size()), mode, &result) != NLS_OK)
+        nls::bench::giveUp("a comparison failed");
+    return static_cast<int16_t>(result);
+}
+
+template <typename Compare>
+Candidate overPairs(const char* name, const std::shared_ptr<const std::vector<Pair>>& pairs, Compare compare) {
+    return {name, [pairs, compare] {
+                int sum = 0;
+                for (const Pair& pair : *pairs) sum += compare(pair.a, pair.b);
+                asm volatile("" : : "r"(sum));
+            }};
+}
+
+// Ours beside each peer in turn.
+void besideEach(const std::string& work, const std::string& label, std::size_t size, std::size_t calls,
+                const Candidate& ours, const std::vector<Candidate>& peers) {
+    for (const Candidate& peer : peers)
+        nls::bench::compare(work, label + ", beside " + peer.name, size, calls, {ours, peer});
+}
+
+void comparePairs(const Charset& charset, const std::shared_ptr<const Texts>& texts, const char* kind,
+                  const std::vector<Pair>& all) {
+    const auto pairs = std::make_shared<const std::vector<Pair>>(all);
+    std::size_t size = 0;
+    for (const Pair& pair : all) size += texts->own[pair.a].size() + texts->own[pair.b].size();
+    for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
+        const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
+        std::vector<Candidate> peers = {overPairs("ICU", pairs, [icu, texts](std::size_t a, std::size_t b) {
+            return icu->compare(texts->utf8[a], texts->utf8[b]);
+        })};
+        if (charset.glibc != nullptr)
+            peers.push_back(overPairs("strcoll", pairs, [&charset, texts](std::size_t a, std::size_t b) {
+                return strcoll_l(texts->own[a].c_str(), texts->own[b].c_str(), charset.glibc);
+            }));
+        if (charset.singleByte && charset.glibc != nullptr && mode == 0)
+            peers.push_back(overPairs("strcasecmp", pairs, [&charset, texts](std::size_t a, std::size_t b) {
+                return strcasecmp_l(texts->own[a].c_str(), texts->own[b].c_str(), charset.glibc);
+            }));
+        if (mode == 1)
+            peers.push_back(overPairs("memcmp", pairs, [texts](std::size_t a, std::size_t b) {
+                return texts->own[a].compare(texts->own[b]);
+            }));
+        const Candidate ours = overPairs("nls", pairs, [&charset, texts, mode](std::size_t a, std::size_t b) {
+            return compareOurs(charset, texts->own[a], texts->own[b], mode);
+        });
+        besideEach(std::string{kind} + (mode == 0 ? ", folded" : ", exact"), charset.label, size, all.size(), ours,
+                   peers);
+    }
+}
+
+std::vector<std::size_t> sortedRows(const Charset& charset, const Texts& texts) {
+    std::vector<std::size_t> rows(kRows);
+    std::iota(rows.begin(), rows.end(), std::size_t{0});
+    std::sort(rows.begin(), rows.end(),
+              [&](std::size_t a, std::size_t b) { return compareOurs(charset, texts.own[a], texts.own[b], 0) < 0; });
+    return rows;
+}
+
+void compareColumn(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
+    std::mt19937 random{1};
+    std::vector<Pair> any, neighbours, same, cases;
+    const std::vector<std::size_t> rows = sortedRows(charset, *texts);
+    for (std::size_t i = 0; i < kRows; ++i) {
+        any.push_back({random() % kRows, random() % kRows});
+        neighbours.push_back({rows[i], rows[i + 1 == kRows ? i : i + 1]});
+        same.push_back({i, kRows + i});       // a copy
+        cases.push_back({i, 2 * kRows + i});  // in capitals
+    }
+    comparePairs(charset, texts, "random pairs", any);
+    comparePairs(charset, texts, "neighbours", neighbours);
+    comparePairs(charset, texts, "equal pairs", same);
+    comparePairs(charset, texts, "pairs that differ in case", cases);
+}
+
+void compareLong(const Charset& charset) {
+    std::mt19937 random{2};
+    const std::string start = nls::bench::text(charset.language, 1000);
+    std::vector<std::string> utf8;
+    for (const std::string& value : nls::bench::column(charset.language, 2000)) utf8.push_back(start + value);
+    for (std::string& value : nls::bench::columnValues(charset.language, 900, 1100, 2000)) utf8.push_back(value);
+    const auto texts = std::make_shared<const Texts>(charset, std::move(utf8));
+    std::vector<Pair> alike, any;
+    for (std::size_t i = 0; i < 2000; ++i) {
+        alike.push_back({random() % 2000, random() % 2000});
+        any.push_back({2000 + random() % 2000, 2000 + random() % 2000});
+    }
+    comparePairs(charset, texts, "a kilobyte that begins alike", alike);
+    comparePairs(charset, texts, "a kilobyte at random", any);
+}
+
+// One after the other into one buffer, as a key is made for a look-up; with `kept`, side by side for a sort.
+std::size_t keyOurs(const Charset& charset, const std::string& text, uint16_t mode, unsigned char* key,
+                    std::size_t room) {
+    uint16_t length = 0;
+    if (nlsSortKey(charset.locale->get(), nullptr, bytes(text), static_cast<int16_t>(room), mode, 1, key, &length) !=
+        NLS_OK)
+        nls::bench::giveUp("a key failed");
+    return length;
+}
+
+template <typename Key>
+Candidate overTexts(const char* name, Key key) {
+    return {name, [key] {
+                unsigned char buffer[1024];
+                for (std::size_t i = 0; i < kRows; ++i) key(i, buffer, sizeof buffer);
+            }};
+}
+
+void compareKeys(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < kRows; ++i) size += texts->own[i].size();
+    for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
+        const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
+        std::vector<Candidate> peers = {
+            overTexts("ICU", [icu, texts](std::size_t i, unsigned char* key, std::size_t room) {
+                icu->key(texts->utf16[i], key, room);
+            })};
+        if (charset.glibc != nullptr)
+            peers.push_back(
+                overTexts("strxfrm", [&charset, texts](std::size_t i, unsigned char* key, std::size_t room) {
+                    (void)strxfrm_l(reinterpret_cast<char*>(key), texts->own[i].c_str(), room, charset.glibc);
+                }));
+        const Candidate ours =
+            overTexts("nls", [&charset, texts, mode](std::size_t i, unsigned char* key, std::size_t room) {
+                keyOurs(charset, texts->own[i], mode, key, room);
+            });
+        besideEach(mode == 0 ? "sort key, folded" : "sort key, exact", charset.label, size, kRows, ours, peers);
+    }
+}
+
+template <typename Less>
+Candidate sorting(const char* name, Less less) {
+    return {name, [less] {
+                std::vector<uint32_t> rows(kRows);
+                std::iota(rows.begin(), rows.end(), 0U);
+                std::sort(rows.begin(), rows.end(), less);
+            }};
+}
+
+// Keys of all rows side by side, and the rows sorted by them.
+template <typename Key>
+Candidate sortingByKeys(const char* name, Key key) {
+    return {name, [key] {
+                constexpr std::size_t kRoom = 512;
+                std::vector<unsigned char> keys;
+                std::vector<std::size_t> places;
+                for (std::size_t i = 0; i < kRows; ++i) {
+                    places.push_back(keys.size());
+                    keys.resize(places.back() + kRoom);
+                    keys.resize(places.back() + key(i, keys.data() + places.back(), kRoom) + 1);
+                }
+                std::sort(places.begin(), places.end(), [&](std::size_t a, std::size_t b) {
+                    return std::strcmp(reinterpret_cast<const char*>(&keys[a]),
+                                       reinterpret_cast<const char*>(&keys[b])) < 0;
+                });
+            }};
+}
+
+void compareSorting(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
+    const auto icu = std::make_shared<IcuCollator>(UCOL_SECONDARY);
+    const std::size_t size = texts->size() / 3;
+    nls::bench::compare("sorting by comparison", charset.label, size, kRows,
+                        {sorting("nls",
+                                 [&charset, texts](uint32_t a, uint32_t b) {
+                                     return compareOurs(charset, texts->own[a], texts->own[b], 0) < 0;
+                                 }),
+                         sorting("ICU", [icu, texts](uint32_t a, uint32_t b) {
+                             return icu->compare(texts->utf8[a], texts->utf8[b]) < 0;
+                         })});
+    nls::bench::compare("sorting by keys", charset.label, size, kRows,
+                        {sortingByKeys("nls",
+                                       [&charset, texts](std::size_t i, unsigned char* key, std::size_t room) {
+                                           return keyOurs(charset, texts->own[i], 0, key, room);
+                                       }),
+                         sortingByKeys("ICU", [icu, texts](std::size_t i, unsigned char* key, std::size_t room) {
+                             return icu->key(texts->utf16[i], key, room) - 1;
+                         })});
+}
+
+std::vector<Charset> charsets() {
+    static const nls::test::MadeTable eucToSjis{4};
+    std::vector<Charset> all;
+    const auto add = [&](const char* label, Language language, const char* iconv, const char* glibcLanguage,
+                         const char* glibcCharset, const nlsAttribStruct& attrib, const nlsCollStruct& coll) {
+        const bool single = (attrib.flags & NLS_CHARSET_SINGLE_BYTE) != 0;
+        all.push_back({label, language, iconv, std::make_unique<CollatedLocale>(attrib, coll),
+                       nls::bench::compiledLocale(glibcLanguage, glibcCharset), single});
+    };
+    add("German, 1252", Language::german, "CP1252", "de_DE", "CP1252", nls::test::singleByteCharset(),
+        nls::bench::rootCollation("windows-1252"));
+    add("Russian, 1251", Language::russian, "CP1251", "ru_RU", "CP1251", nls::test::singleByteCharset(),
+        nls::bench::rootCollation("windows-1251"));
+    add("Japanese, Shift-JIS", Language::japanese, "SHIFT-JIS", "ja_JP", "SHIFT_JIS", nls::test::sjisCharset(),
+        nls::test::plainCollation());
+    add("Japanese, EUC", Language::japanese, "EUC-JP", "ja_JP", "EUC-JP", nls::test::eucCharset(),
+        nls::test::plainCollation());
+    all.back().locale->bridgeTo(eucToSjis);
+    return all;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<char*> arguments = nls::bench::holdCpuLevel(argc, argv);
+    static const std::vector<Charset> all = charsets();
+    for (const Charset& charset : all) {
+        std::vector<std::string> utf8 = nls::bench::column(charset.language, kRows);
+        for (std::size_t i = 0; i < kRows; ++i) utf8.push_back(utf8[i]);
+        for (std::size_t i = 0; i < kRows; ++i) utf8.push_back(nls::bench::upperCase(utf8[i]));
+        const auto texts = std::make_shared<const Texts>(charset, std::move(utf8));
+        compareColumn(charset, texts);
+        compareKeys(charset, texts);
+        compareSorting(charset, texts);
+        compareLong(charset);
+    }
+    return nls::bench::runComparisons(static_cast<int>(arguments.size()), arguments.data());
+}
