@@ -29,9 +29,25 @@ using nls::test::CollatedLocale;
 
 constexpr std::size_t kRows = 200'000;
 
-const unsigned char* bytes(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
+// Strings one behind the other, each with its NUL, as rows stand in a page.
+class Rows {
+public:
+    void add(std::string_view text) {
+        starts_.push_back(block_.size());
+        block_.append(text);
+        block_.push_back('\0');
+    }
+    std::string_view operator[](std::size_t i) const {
+        const std::size_t end = i + 1 == starts_.size() ? block_.size() : starts_[i + 1];
+        return {block_.data() + starts_[i], end - starts_[i] - 1};
+    }
+    std::size_t count() const { return starts_.size(); }
+    std::size_t bytes() const { return block_.size() - starts_.size(); }
+
+private:
+    std::string block_;
+    std::vector<std::size_t> starts_;
+};
 
 // A charset, its collation, and what the peers need.
 struct Charset {
@@ -43,41 +59,44 @@ struct Charset {
     bool singleByte;
 };
 
-// The same texts in the charset, in UTF-8 and in UTF-16.
+// The same texts in the charset and in UTF-8.
 struct Texts {
-    std::vector<std::string> own, utf8;
-    std::vector<std::u16string> utf16;
+    Rows own, utf8;
 
-    Texts(const Charset& charset, std::vector<std::string> all) : utf8(std::move(all)) {
+    Texts(const Charset& charset, const std::vector<std::string>& all) {
         const nls::bench::Iconv iconv("UTF-8", charset.iconvName);
-        for (const std::string& text : utf8) {
-            own.push_back(iconv.convert(text));
-            utf16.push_back(nls::bench::utf16Of(text));
+        for (const std::string& text : all) {
+            utf8.add(text);
+            own.add(iconv.convert(text));
         }
     }
-    std::size_t size() const {
-        return std::accumulate(own.begin(), own.end(), std::size_t{0},
-                               [](auto sum, auto& text) { return sum + text.size(); });
+    // Pairs of rows, beside each other in the order in which they are compared.
+    Texts(const Texts& rows, const std::vector<std::pair<std::size_t, std::size_t>>& pairs) {
+        for (const auto& [a, b] : pairs)
+            for (const std::size_t row : {a, b}) {
+                utf8.add(rows.utf8[row]);
+                own.add(rows.own[row]);
+            }
     }
 };
+using Pairs = std::vector<std::pair<std::size_t, std::size_t>>;
 
-struct Pair {
-    std::size_t a, b;
-};
-
-int compareOurs(const Charset& charset, const std::string& a, const std::string& b, uint16_t mode) {
+int compareOurs(const Charset& charset, std::string_view a, std::string_view b, uint16_t mode) {
     uint16_t result = 0;
-    if (nlsCompareN(charset.locale->get(), nullptr, bytes(a), bytes(b), static_cast<int32_t>(a.size()),
+    if (nlsCompareN(charset.locale->get(), nullptr, reinterpret_cast<const unsigned char*>(a.data()),
+                    reinterpret_cast<const unsigned char*>(b.data()), static_cast<int32_t>(a.size()),
                     static_cast<int32_t>(b.size()), mode, &result) != NLS_OK)
         nls::bench::giveUp("a comparison failed");
     return static_cast<int16_t>(result);
 }
 
 template <typename Compare>
-Candidate overPairs(const char* name, const std::shared_ptr<const std::vector<Pair>>& pairs, Compare compare) {
-    return {name, [pairs, compare] {
+Candidate overPairs(const char* name, const std::shared_ptr<const Texts>& pairs, const Rows Texts::*form,
+                    Compare compare) {
+    return {name, [pairs, form, compare] {
+                const Rows& rows = (*pairs).*form;
                 int sum = 0;
-                for (const Pair& pair : *pairs) sum += compare(pair.a, pair.b);
+                for (std::size_t i = 0; i < rows.count(); i += 2) sum += compare(rows[i], rows[i + 1]);
                 asm volatile("" : : "r"(sum));
             }};
 }
@@ -89,33 +108,33 @@ void besideEach(const std::string& work, const std::string& label, std::size_t s
         nls::bench::compare(work, label + ", beside " + peer.name, size, calls, {ours, peer});
 }
 
-void comparePairs(const Charset& charset, const std::shared_ptr<const Texts>& texts, const char* kind,
-                  const std::vector<Pair>& all) {
-    const auto pairs = std::make_shared<const std::vector<Pair>>(all);
-    std::size_t size = 0;
-    for (const Pair& pair : all) size += texts->own[pair.a].size() + texts->own[pair.b].size();
+std::vector<Candidate> peersOf(const Charset& charset, const std::shared_ptr<const Texts>& pairs, uint16_t mode) {
+    const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
+    std::vector<Candidate> peers = {overPairs(
+        "ICU", pairs, &Texts::utf8, [icu](std::string_view a, std::string_view b) { return icu->compare(a, b); })};
+    const locale_t glibc = charset.glibc;
+    if (glibc != nullptr)
+        peers.push_back(overPairs("strcoll", pairs, &Texts::own, [glibc](std::string_view a, std::string_view b) {
+            return strcoll_l(a.data(), b.data(), glibc);
+        }));
+    if (charset.singleByte && glibc != nullptr && mode == 0)
+        peers.push_back(overPairs("strcasecmp", pairs, &Texts::own, [glibc](std::string_view a, std::string_view b) {
+            return strcasecmp_l(a.data(), b.data(), glibc);
+        }));
+    if (mode == 1)
+        peers.push_back(overPairs("memcmp", pairs, &Texts::own,
+                                  [](std::string_view a, std::string_view b) { return a.compare(b); }));
+    return peers;
+}
+
+void comparePairs(const Charset& charset, const Texts& texts, const char* kind, const Pairs& which) {
+    const auto pairs = std::make_shared<const Texts>(texts, which);
     for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
-        const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
-        std::vector<Candidate> peers = {overPairs("ICU", pairs, [icu, texts](std::size_t a, std::size_t b) {
-            return icu->compare(texts->utf8[a], texts->utf8[b]);
-        })};
-        if (charset.glibc != nullptr)
-            peers.push_back(overPairs("strcoll", pairs, [&charset, texts](std::size_t a, std::size_t b) {
-                return strcoll_l(texts->own[a].c_str(), texts->own[b].c_str(), charset.glibc);
-            }));
-        if (charset.singleByte && charset.glibc != nullptr && mode == 0)
-            peers.push_back(overPairs("strcasecmp", pairs, [&charset, texts](std::size_t a, std::size_t b) {
-                return strcasecmp_l(texts->own[a].c_str(), texts->own[b].c_str(), charset.glibc);
-            }));
-        if (mode == 1)
-            peers.push_back(overPairs("memcmp", pairs, [texts](std::size_t a, std::size_t b) {
-                return texts->own[a].compare(texts->own[b]);
-            }));
-        const Candidate ours = overPairs("nls", pairs, [&charset, texts, mode](std::size_t a, std::size_t b) {
-            return compareOurs(charset, texts->own[a], texts->own[b], mode);
-        });
-        besideEach(std::string{kind} + (mode == 0 ? ", folded" : ", exact"), charset.label, size, all.size(), ours,
-                   peers);
+        const Candidate ours = overPairs(
+            "nls", pairs, &Texts::own,
+            [&charset, mode](std::string_view a, std::string_view b) { return compareOurs(charset, a, b, mode); });
+        besideEach(std::string{kind} + (mode == 0 ? ", folded" : ", exact"), charset.label, pairs->own.bytes(),
+                   which.size(), ours, peersOf(charset, pairs, mode));
     }
 }
 
@@ -127,10 +146,10 @@ std::vector<std::size_t> sortedRows(const Charset& charset, const Texts& texts) 
     return rows;
 }
 
-void compareColumn(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
+void compareColumn(const Charset& charset, const Texts& texts) {
     std::mt19937 random{1};
-    std::vector<Pair> any, neighbours, same, cases;
-    const std::vector<std::size_t> rows = sortedRows(charset, *texts);
+    Pairs any, neighbours, same, cases;
+    const std::vector<std::size_t> rows = sortedRows(charset, texts);
     for (std::size_t i = 0; i < kRows; ++i) {
         any.push_back({random() % kRows, random() % kRows});
         neighbours.push_back({rows[i], rows[i + 1 == kRows ? i : i + 1]});
@@ -149,8 +168,8 @@ void compareLong(const Charset& charset) {
     std::vector<std::string> utf8;
     for (const std::string& value : nls::bench::column(charset.language, 2000)) utf8.push_back(start + value);
     for (std::string& value : nls::bench::columnValues(charset.language, 900, 1100, 2000)) utf8.push_back(value);
-    const auto texts = std::make_shared<const Texts>(charset, std::move(utf8));
-    std::vector<Pair> alike, any;
+    const Texts texts(charset, utf8);
+    Pairs alike, any;
     for (std::size_t i = 0; i < 2000; ++i) {
         alike.push_back({random() % 2000, random() % 2000});
         any.push_back({2000 + random() % 2000, 2000 + random() % 2000});
@@ -159,12 +178,11 @@ void compareLong(const Charset& charset) {
     comparePairs(charset, texts, "a kilobyte at random", any);
 }
 
-// One after the other into one buffer, as a key is made for a look-up; with `kept`, side by side for a sort.
-std::size_t keyOurs(const Charset& charset, const std::string& text, uint16_t mode, unsigned char* key,
+std::size_t keyOurs(const Charset& charset, std::string_view text, uint16_t mode, unsigned char* key,
                     std::size_t room) {
     uint16_t length = 0;
-    if (nlsSortKey(charset.locale->get(), nullptr, bytes(text), static_cast<int16_t>(room), mode, 1, key, &length) !=
-        NLS_OK)
+    if (nlsSortKey(charset.locale->get(), nullptr, reinterpret_cast<const unsigned char*>(text.data()),
+                   static_cast<int16_t>(room), mode, 1, key, &length) != NLS_OK)
         nls::bench::giveUp("a key failed");
     return length;
 }
@@ -178,24 +196,24 @@ Candidate overTexts(const char* name, Key key) {
 }
 
 void compareKeys(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
-    std::size_t size = 0;
-    for (std::size_t i = 0; i < kRows; ++i) size += texts->own[i].size();
+    const auto utf16 = std::make_shared<std::vector<std::u16string>>();
+    for (std::size_t i = 0; i < kRows; ++i) utf16->push_back(nls::bench::utf16Of(std::string{texts->utf8[i]}));
     for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
         const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
-        std::vector<Candidate> peers = {
-            overTexts("ICU", [icu, texts](std::size_t i, unsigned char* key, std::size_t room) {
-                icu->key(texts->utf16[i], key, room);
-            })};
+        std::vector<Candidate> peers = {overTexts(
+            "ICU",
+            [icu, utf16](std::size_t i, unsigned char* key, std::size_t room) { icu->key((*utf16)[i], key, room); })};
         if (charset.glibc != nullptr)
             peers.push_back(
                 overTexts("strxfrm", [&charset, texts](std::size_t i, unsigned char* key, std::size_t room) {
-                    (void)strxfrm_l(reinterpret_cast<char*>(key), texts->own[i].c_str(), room, charset.glibc);
+                    (void)strxfrm_l(reinterpret_cast<char*>(key), texts->own[i].data(), room, charset.glibc);
                 }));
         const Candidate ours =
             overTexts("nls", [&charset, texts, mode](std::size_t i, unsigned char* key, std::size_t room) {
                 keyOurs(charset, texts->own[i], mode, key, room);
             });
-        besideEach(mode == 0 ? "sort key, folded" : "sort key, exact", charset.label, size, kRows, ours, peers);
+        besideEach(mode == 0 ? "sort key, folded" : "sort key, exact", charset.label, texts->own.bytes() / 3, kRows,
+                   ours, peers);
     }
 }
 
@@ -229,8 +247,9 @@ Candidate sortingByKeys(const char* name, Key key) {
 
 void compareSorting(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
     const auto icu = std::make_shared<IcuCollator>(UCOL_SECONDARY);
-    const std::size_t size = texts->size() / 3;
-    nls::bench::compare("sorting by comparison", charset.label, size, kRows,
+    const auto utf16 = std::make_shared<std::vector<std::u16string>>();
+    for (std::size_t i = 0; i < kRows; ++i) utf16->push_back(nls::bench::utf16Of(std::string{texts->utf8[i]}));
+    nls::bench::compare("sorting by comparison", charset.label, texts->own.bytes() / 3, kRows,
                         {sorting("nls",
                                  [&charset, texts](uint32_t a, uint32_t b) {
                                      return compareOurs(charset, texts->own[a], texts->own[b], 0) < 0;
@@ -238,13 +257,13 @@ void compareSorting(const Charset& charset, const std::shared_ptr<const Texts>& 
                          sorting("ICU", [icu, texts](uint32_t a, uint32_t b) {
                              return icu->compare(texts->utf8[a], texts->utf8[b]) < 0;
                          })});
-    nls::bench::compare("sorting by keys", charset.label, size, kRows,
+    nls::bench::compare("sorting by keys", charset.label, texts->own.bytes() / 3, kRows,
                         {sortingByKeys("nls",
                                        [&charset, texts](std::size_t i, unsigned char* key, std::size_t room) {
                                            return keyOurs(charset, texts->own[i], 0, key, room);
                                        }),
-                         sortingByKeys("ICU", [icu, texts](std::size_t i, unsigned char* key, std::size_t room) {
-                             return icu->key(texts->utf16[i], key, room) - 1;
+                         sortingByKeys("ICU", [icu, utf16](std::size_t i, unsigned char* key, std::size_t room) {
+                             return icu->key((*utf16)[i], key, room) - 1;
                          })});
 }
 
@@ -278,8 +297,8 @@ int main(int argc, char** argv) {
         std::vector<std::string> utf8 = nls::bench::column(charset.language, kRows);
         for (std::size_t i = 0; i < kRows; ++i) utf8.push_back(utf8[i]);
         for (std::size_t i = 0; i < kRows; ++i) utf8.push_back(nls::bench::upperCase(utf8[i]));
-        const auto texts = std::make_shared<const Texts>(charset, std::move(utf8));
-        compareColumn(charset, texts);
+        const auto texts = std::make_shared<const Texts>(charset, utf8);
+        compareColumn(charset, *texts);
         compareKeys(charset, texts);
         compareSorting(charset, texts);
         compareLong(charset);

@@ -19,12 +19,14 @@ public:
 
     bool full() const { return key_.room() == 0; }
     std::size_t length() const { return key_.written(); }
+    bool holdsNul() const { return holdsNul_; }  // and ends there
 
     // REQUIRES: no NUL in `text`.
     void add(ByteView text);
 
 private:
     void addSingleBytes(ByteReader& text);
+    void put(unsigned char byte);
     void addCharacter(ByteReader& text);
     void expand();
 
@@ -33,7 +35,16 @@ private:
     unsigned char expansion_;
     bool allSingle_;           // no byte announces another one
     bool secondNext_ = false;  // the piece before ended behind a first byte
+    bool holdsNul_ = false;
     ByteWriter key_;
 };
+
+// Is no byte the first one of a longer character?
+bool announcesNothing(const nlsAttribStruct& attrib);
+
+// Writes the weights of bytes up to the first expansion, and tells how many. Behind them, within `count`, anything may be
+// written. The second wants a processor with AVX-512.
+std::size_t weighBytes(WeightMap weights, const unsigned char* bytes, std::size_t count, unsigned char* key);
+std::size_t weighBytesAvx512(WeightMap weights, const unsigned char* bytes, std::size_t count, unsigned char* key);
 
 }  // namespace nls

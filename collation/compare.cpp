@@ -1,9 +1,7 @@
 #include "collation/compare.hpp"
 
 #include "collation/byte_walk.hpp"
-#include "collation/coll_kind.hpp"
 #include "collation/hook_text.hpp"
-#include "collation/single_byte_walk.hpp"
 #include "collation/sjis_bridge.hpp"
 #include "collation/thai_compare.hpp"
 #include "collation/unicode_compare.hpp"
@@ -56,11 +54,12 @@ Compared compareTexts(const Collation& by, nlsTlsBlock*, Text a, Text b, uint16_
 
 Compared compareLimited(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* a, const unsigned char* b,
                         int32_t lengthA, int32_t lengthB, uint16_t mode) {
-    const bool singleBytes = Charset{*locale.attrib}.isSingleByte() && kindOf(*locale.coll) == CollKind::byteTables;
-    if (!singleBytes) return compareTexts(locale, tls, Text::of(a, lengthA), Text::of(b, lengthB), mode);
+    if (!comparesSingleBytes(locale))
+        return compareTexts(locale, tls, Text::of(a, lengthA), Text::of(b, lengthB), mode);
     if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
+    const WeightMap weights = WeightMap::of(*locale.coll, mode);
     const Text first{a, a + (lengthA < 0 ? 0 : lengthA)}, second{b, b + (lengthB < 0 ? 0 : lengthB)};
-    return {NLS_OK, compareSingleBytes(WeightMap::of(*locale.coll, mode), first, second)};
+    return {NLS_OK, compareSingleBytes(weights, first, second)};
 }
 
 }  // namespace nls

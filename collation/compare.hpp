@@ -4,7 +4,10 @@
 
 #include <cstdint>
 
+#include "collation/coll_kind.hpp"
+#include "collation/single_byte_walk.hpp"
 #include "collation/text.hpp"
+#include "core/base/charset.hpp"
 #include "nls/records.h"
 #include "nls/status.h"
 
@@ -35,8 +38,13 @@ inline Compared compareTexts(const nlsLocale& locale, nlsTlsBlock* tls, Text a, 
     return compareTexts(collationOf(locale), tls, a, b, mode);
 }
 
-// Texts of known length, in bytes; a NUL ends them earlier. Charsets of one byte have a faster way here, on which a
-// negative length is an empty text; elsewhere -1 is no limit. REQUIRES: as above.
+// Is there a faster way for texts of known length?
+inline bool comparesSingleBytes(const nlsLocale& locale) {
+    return Charset{*locale.attrib}.isSingleByte() && kindOf(*locale.coll) == CollKind::byteTables;
+}
+
+// Texts of known length, in bytes; a NUL ends them earlier. On the faster way a negative length is an empty text;
+// elsewhere -1 is no limit. REQUIRES: as above.
 Compared compareLimited(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* a, const unsigned char* b,
                         int32_t lengthA, int32_t lengthB, uint16_t mode);
 

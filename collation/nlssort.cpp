@@ -28,6 +28,21 @@ nlsStatus handOut(const nls::Compared& compared, uint16_t* result) {
     return compared.status;
 }
 
+[[gnu::noinline]] nlsStatus compareBehindFirstPair(nls::WeightMap weights, const unsigned char* s1,
+                                                   const unsigned char* s2, int32_t len1, int32_t len2,
+                                                   uint16_t* result) {
+    *result = static_cast<uint16_t>(nls::compareSingleBytes(weights, nls::Text::of(s1, len1), nls::Text::of(s2, len2)));
+    return NLS_OK;
+}
+
+[[gnu::noinline]] nlsStatus compareInFull(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
+                                          const unsigned char* s2, int32_t len1, int32_t len2, uint16_t compareMode,
+                                          uint16_t* result) {
+    if (const nlsStatus bad = checkLocaleAlone(locale)) return bad;
+    if (s1 == nullptr || s2 == nullptr || result == nullptr) return NLS_BAD_ARG;
+    return handOut(nls::compareLimited(*locale, tls, s1, s2, len1, len2, compareMode), result);
+}
+
 nls::SortKey keyOf(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* src, nls::ByteSpan key,
                    uint16_t options, uint16_t trim) {
     return nls::makeSortKey(nls::collationOf(locale), tls, src, key, nls::KeyOptions::of(options, trim));
@@ -47,9 +62,16 @@ nlsStatus nlsCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned c
 
 nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1, const unsigned char* s2,
                       int32_t len1, int32_t len2, uint16_t compareMode, uint16_t* result) {
-    if (const nlsStatus bad = checkLocaleAlone(locale)) return bad;
-    if (s1 == nullptr || s2 == nullptr || result == nullptr) return NLS_BAD_ARG;
-    return handOut(nls::compareLimited(*locale, tls, s1, s2, len1, len2, compareMode), result);
+    // Most pairs are decided by their first bytes: they are looked at here, and all else is left to functions that take
+    // over the arguments of this one as they are.
+    const bool given = (s1 != nullptr) & (s2 != nullptr) & (result != nullptr);
+    const bool plain = (compareMode <= 1) & (len1 > 0) & (len2 > 0) & given;
+    if (!plain || checkLocaleAlone(locale) != NLS_OK || !nls::comparesSingleBytes(*locale)) [[unlikely]]
+        return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+    const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
+    const int sign = nls::decidedByFirstPair(weights, s1, s2);
+    *result = static_cast<uint16_t>(sign);
+    return sign != 0 ? NLS_OK : compareBehindFirstPair(weights, s1, s2, len1, len2, result);
 }
 
 nlsStatus locCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1, const unsigned char* s2,

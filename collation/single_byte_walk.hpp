@@ -1,5 +1,9 @@
 // The order of byte tables for charsets without longer characters: the loop that sorting and searching spend their time
-// in. Tested by tests/collation/single_byte_walk_test.cpp against tests/reference/compare.hpp.
+// in.
+//
+// Most pairs end at their first byte, so that is looked at alone, in line with the call. Behind it texts that belong
+// together go on alike, or alike but for case: equal bytes have equal weights, expansions too, and are passed over in
+// blocks. Tested by tests/collation/compare_test.cpp against tests/reference/compare.hpp.
 #pragma once
 
 #include "collation/text.hpp"
@@ -7,7 +11,29 @@
 
 namespace nls {
 
-// -1, 0 or 1.
+inline int orderOf(unsigned a, unsigned b) {
+    return int{a > b} - int{a < b};
+}
+
+// Not 0: the first pair of bytes decides. Else nothing is known yet.
+inline int decidedByFirstPair(WeightMap weights, const unsigned char* a, const unsigned char* b) {
+    const unsigned byteA = *a, byteB = *b, ofA = weights.entry(*a), ofB = weights.entry(*b);
+    // Less 1, a NUL and an expansion have their highest bits set.
+    const bool plain = static_cast<int>((byteA - 1) | (byteB - 1) | (ofA - 1) | (ofB - 1)) >= 0;
+    return plain ? orderOf(ofA, ofB) : 0;
+}
+
+// -1, 0 or 1, from whatever byte on.
 int compareSingleBytes(WeightMap weights, Text a, Text b);
+
+// The two ways to do that: any processor; AVX-512.
+int compareSingleBytesPlain(WeightMap weights, Text a, Text b);
+int compareSingleBytesAvx512(WeightMap weights, Text a, Text b);
+
+// One of the texts has ended.
+inline int decideAtEnd(Text a, Text b) {
+    if (a.atEnd()) return onlyBlanksLeft(b) ? 0 : -1;
+    return onlyBlanksLeft(a) ? 0 : 1;
+}
 
 }  // namespace nls

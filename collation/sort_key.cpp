@@ -79,7 +79,8 @@ SortKey keyByTables(const Collation& by, ByteView text, ByteSpan room, KeyOption
     else if (const nlsStatus bad = addBridged(key, bridge, text))
         return {bad, 0};
     room[key.length()] = 0;
-    ByteSpan written = room.first(lengthOf(room.first(key.length())));
+    ByteSpan written = room.first(key.length());
+    if (key.holdsNul()) written = written.first(lengthOf(written));
     if (basic && options.trim) {
         const ByteSpan kept = withoutBlanksAtEnd(written);
         std::fill(written.begin() + static_cast<std::ptrdiff_t>(kept.size()), written.end(), 0);

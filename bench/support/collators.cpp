@@ -21,7 +21,7 @@ IcuCollator::IcuCollator(UColAttributeValue strength) {
     ucol_setStrength(collator_.get(), strength);
 }
 
-int IcuCollator::compare(const std::string& utf8A, const std::string& utf8B) const {
+int IcuCollator::compare(std::string_view utf8A, std::string_view utf8B) const {
     UErrorCode status = U_ZERO_ERROR;
     return ucol_strcollUTF8(collator_.get(), utf8A.data(), static_cast<int32_t>(utf8A.size()), utf8B.data(),
                             static_cast<int32_t>(utf8B.size()), &status);

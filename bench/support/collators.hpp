@@ -6,6 +6,7 @@
 #include <clocale>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "nls/records.h"
 
@@ -15,7 +16,7 @@ class IcuCollator {
 public:
     explicit IcuCollator(UColAttributeValue strength);
 
-    int compare(const std::string& utf8A, const std::string& utf8B) const;
+    int compare(std::string_view utf8A, std::string_view utf8B) const;
     // The key, with its NUL, of UTF-16 text; its length.
     std::size_t key(const std::u16string& text, unsigned char* key, std::size_t room) const;
     UCollator* get() const { return collator_.get(); }
