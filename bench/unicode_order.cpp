@@ -62,7 +62,7 @@ Candidate ours(const std::shared_ptr<const Pairs>& pairs, const nlsLocale* local
         }};
 }
 
-Candidate icu(const std::shared_ptr<const Pairs>& pairs, UCollationStrength strength) {
+Candidate icuRoot(const std::shared_ptr<const Pairs>& pairs, UCollationStrength strength) {
     UErrorCode error = U_ZERO_ERROR;
     UCollator* const collator = ucol_open("", &error);
     if (U_FAILURE(error)) giveUp("ucol_open");
@@ -98,9 +98,9 @@ int main(int argc, char** argv) {
             for (const auto& [a, b] : *pairs) bytes += a.size() + b.size();
             const std::string label = std::string(languageName(language)) + " " + kind;
             nls::bench::compare("compare folded", label, bytes, pairs->size(),
-                                {ours(pairs, locale.get(), 0), icu(pairs, UCOL_SECONDARY)});
+                                {ours(pairs, locale.get(), 0), icuRoot(pairs, UCOL_SECONDARY)});
             nls::bench::compare("compare exactly", label, bytes, pairs->size(),
-                                {ours(pairs, locale.get(), 1), icu(pairs, UCOL_TERTIARY)});
+                                {ours(pairs, locale.get(), 1), icuRoot(pairs, UCOL_TERTIARY)});
         }
     return nls::bench::runComparisons(static_cast<int>(arguments.size()), arguments.data());
 }
