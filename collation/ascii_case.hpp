@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "convmap/case_pages.hpp"
+#include "core/base/views.hpp"
 #include "nls/records.h"
 
 namespace nls {
@@ -31,10 +32,16 @@ inline bool hasPlainAsciiForms(const uint16_t* const (&pages)[kCasePages], CaseF
     return std::memcmp(pages[0] + caseIndexOf(0, form), plain.data(), sizeof plain) == 0;
 }
 
+// Whether each of the first `count` byte values is a character of its own. REQUIRES: count is a multiple of 32.
+inline bool areSingleBytes(const nlsAttribStruct& attrib, unsigned count) {
+    uint64_t lengths[4] = {};  // four at once: a chain of 32 "or" would take longer than all the rest of a short text
+    for (unsigned byte = 0; byte < count; byte += 32)
+        for (unsigned i = 0; i < 4; ++i) lengths[i] |= loadWord<uint64_t>(attrib.lengthMap + byte + 8 * i);
+    return ((lengths[0] | lengths[1] | lengths[2] | lengths[3]) & 0x0707070707070707U) == 0;
+}
+
 inline bool isAsciiSingleByte(const nlsAttribStruct& attrib) {
-    unsigned lengths = 0;
-    for (unsigned byte = 0; byte < 128; ++byte) lengths |= attrib.lengthMap[byte];
-    return (lengths & 0x07) == 0;
+    return areSingleBytes(attrib, 128);
 }
 
 }  // namespace nls

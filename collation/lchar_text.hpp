@@ -13,6 +13,8 @@ inline nlsLChar nextLChar(const Charset& charset, Text& text) {
     constexpr unsigned kLongestTrail = 3;  // four bytes fill the word
     nlsLChar value = *text.place++;
     const unsigned trails = charset.trailCount(static_cast<unsigned char>(value));
+    if (trails == 0 || text.atEnd()) return trails > kLongestTrail ? nlsLChar{'?'} : value;
+    if (trails == 1) return value << 8 | *text.place++;
     for (unsigned left = trails; left != 0 && !text.atEnd(); --left) value = value << 8 | *text.place++;
     return trails > kLongestTrail ? nlsLChar{'?'} : value;
 }

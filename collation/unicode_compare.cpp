@@ -8,7 +8,7 @@ namespace nls {
 namespace {
 
 int signOf(uint32_t a, uint32_t b) {
-    return a < b ? -1 : a > b ? 1 : 0;
+    return int{a > b} - int{a < b};  // without a branch: nothing foretells it
 }
 
 void advance(Text& a, Text& b, std::size_t count) {
@@ -25,7 +25,14 @@ public:
           attrib_(locale.attrib) {}
 
     nlsLChar operator()(nlsLChar value) const {
-        return table_ == nullptr ? value : caseFormOf(table_->casePages, value, CaseForm::lower);
+        if (table_ == nullptr) return value;
+        // The short forms stand for themselves: a switch for all takes as long as two of these.
+        const unsigned page = casePageOf(value);
+        const unsigned index = caseIndexOf(value, CaseForm::lower);
+        if (value > 0xFFFF || index >= entriesOfCasePage(page))
+            return caseFormOf(table_->casePages, value, CaseForm::lower);
+        const nlsLChar form = table_->casePages[page][index];
+        return form == 0 ? value : form;
     }
 
     bool isPlainOnAscii() const {
@@ -41,9 +48,14 @@ private:
 // Whether no character that begins in front of `place` reaches behind it, whatever characters begin there.
 bool isBoundary(const Charset& charset, const unsigned char* place, const unsigned char* start) {
     constexpr std::ptrdiff_t kLongestTrail = 7;
-    const std::ptrdiff_t bytesInFront = place - start < kLongestTrail ? place - start : kLongestTrail;
+    if (place == start) return true;
+    const std::ptrdiff_t farthest = place - start;
     bool crossed = false;
-    for (std::ptrdiff_t back = 1; back <= bytesInFront; ++back) crossed |= charset.trailCount(place[-back]) >= back;
+    for (std::ptrdiff_t back = 1; back <= kLongestTrail; ++back) {
+        // The first byte stands in for those in front of it: if it reaches further than they would, it crosses as well.
+        const unsigned char byte = place[-(back < farthest ? back : farthest)];
+        crossed |= charset.trailCount(byte) >= back;
+    }
     return !crossed;
 }
 
@@ -59,37 +71,47 @@ const unsigned char* characterAt(const Charset& charset, const unsigned char* pl
     return first;
 }
 
+// Most pairs of a column do; a look at the first bytes is cheaper than a skip.
+bool differAtOnce(Text a, Text b) {
+    if (a.place == a.limit || b.place == b.limit) return false;
+    return *a.place != *b.place && *a.place != 0 && *b.place != 0;
+}
+
 }  // namespace
 
 int compareBytes(Text a, Text b) {
+    if (differAtOnce(a, b)) return signOf(*a.place, *b.place);
     advance(a, b, equalPrefix(a, b));
     if (a.atEnd()) return onlyBlanksLeft(b) ? 0 : -1;
     if (b.atEnd()) return onlyBlanksLeft(a) ? 0 : 1;
     return signOf(*a.place, *b.place);
 }
 
-// Most pairs differ in one of their first characters, so the walk comes first; the skips set in when there is
-// something to skip. Equal bytes are equal characters, so a skip over them goes back to where the last one begins; its
-// characters need no look-up.
+// Equal bytes are equal characters and need no look-up, so a skip over them goes back to where the last of them begins.
+// Behind a character that differs in case others will, and the walk goes by characters until some are equal again.
 int compareFoldedUtf8(const nlsLocale& locale, Text a, Text b) {
     constexpr unsigned kWorthSkip = 4;
     const Charset charset{*locale.attrib};
     const LowerCase lowerCase{locale};
     bool mayFoldAscii = true, foldsAscii = false;
-    for (unsigned equalInRow = 0;;) {
+    for (unsigned equalInRow = differAtOnce(a, b) ? 0 : kWorthSkip;;) {
+        if (equalInRow >= kWorthSkip) {
+            equalInRow = 0;
+            const std::size_t same = equalPrefix(a, b);
+            if (Text{a.place + same, a.limit}.atEnd() && Text{b.place + same, b.limit}.atEnd()) return 0;
+            if (same != 0)
+                advance(a, b, static_cast<std::size_t>(characterAt(charset, a.place + same, a.place) - a.place));
+        }
         if (a.atEnd()) return onlyBlanksLeft(b) ? 0 : -1;
         if (b.atEnd()) return onlyBlanksLeft(a) ? 0 : 1;
         const nlsLChar ofA = nextLChar(charset, a), ofB = nextLChar(charset, b);
         if (ofA == ofB) {
-            if (++equalInRow != kWorthSkip) continue;
-            equalInRow = 0;
-            const std::size_t same = equalPrefix(a, b);
-            if (same != 0)
-                advance(a, b, static_cast<std::size_t>(characterAt(charset, a.place + same, a.place) - a.place));
+            ++equalInRow;
             continue;
         }
         if (const int sign = signOf(lowerCase(ofA), lowerCase(ofB))) return sign;
         equalInRow = 0;
+        if (ofA >= 0x80) continue;  // in its script others follow
         if (mayFoldAscii) foldsAscii = lowerCase.isPlainOnAscii(), mayFoldAscii = false;
         if (foldsAscii) advance(a, b, equalAsciiPrefix(a, b));
     }

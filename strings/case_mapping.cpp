@@ -39,12 +39,6 @@ ByteForms formsOfCLocale(CaseForm form) {
     return forms;
 }
 
-bool hasOnlySingleBytes(const nlsAttribStruct& attrib) {
-    unsigned lengths = 0;
-    for (const unsigned char length : attrib.lengthMap) lengths |= length;
-    return (lengths & 0x07) == 0;
-}
-
 CaseMapped mapSingleBytes(const unsigned char* map, ByteView text, ByteSpan target) {
     const std::size_t count = text.size() < target.size() ? text.size() : target.size();
     mapBytes(map, text.data(), count, target.data());
@@ -79,7 +73,7 @@ CaseMapped mapMixedBytes(const Charset& charset, const unsigned char* map, Copy 
 
 CaseMapped mapByBytes(const nlsAttribStruct& attrib, const unsigned char* map, Copy copy, ByteView text,
                       ByteSpan target) {
-    if (hasOnlySingleBytes(attrib)) return mapSingleBytes(map, text, target);
+    if (areSingleBytes(attrib, 256)) return mapSingleBytes(map, text, target);
     return mapMixedBytes(Charset{attrib}, map, copy, text, target);
 }
 

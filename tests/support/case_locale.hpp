@@ -37,6 +37,11 @@ inline bool canHold(uint32_t number, uint32_t form) {
 // The case of the C library's Unicode locale.
 class LibraryCase {
 public:
+    LibraryCase() = default;
+    LibraryCase(const LibraryCase&) = delete;
+    LibraryCase& operator=(const LibraryCase&) = delete;
+    ~LibraryCase() { freelocale(locale_); }
+
     char32_t operator()(char32_t c, CaseForm form) const {
         const auto wide = static_cast<wint_t>(c);
         return form == CaseForm::lower ? towlower_l(wide, locale_) : towupper_l(wide, locale_);
