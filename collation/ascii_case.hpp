@@ -2,11 +2,12 @@
 // one byte a character, the case of A to Z and a to z, and no other forms.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <array>
 #include <cstring>
 
 #include "convmap/case_pages.hpp"
-#include "core/base/views.hpp"
 #include "nls/records.h"
 
 namespace nls {
@@ -32,16 +33,24 @@ inline bool hasPlainAsciiForms(const uint16_t* const (&pages)[kCasePages], CaseF
     return std::memcmp(pages[0] + caseIndexOf(0, form), plain.data(), sizeof plain) == 0;
 }
 
-// Whether each of the first `count` byte values is a character of its own. REQUIRES: count is a multiple of 32.
-inline bool areSingleBytes(const nlsAttribStruct& attrib, unsigned count) {
-    uint64_t lengths[4] = {};  // four at once: a chain of 32 "or" would take longer than all the rest of a short text
-    for (unsigned byte = 0; byte < count; byte += 32)
-        for (unsigned i = 0; i < 4; ++i) lengths[i] |= loadWord<uint64_t>(attrib.lengthMap + byte + 8 * i);
-    return ((lengths[0] | lengths[1] | lengths[2] | lengths[3]) & 0x0707070707070707U) == 0;
+// Whether each of the first kCount byte values is a character of its own. Two sums at once, because in a short text one
+// chain of "or" would take longer than all the rest.
+template <unsigned kCount>
+inline bool areSingleBytes(const nlsAttribStruct& attrib) {
+    static_assert(kCount % 32 == 0);
+    const auto* const block = reinterpret_cast<const __m128i*>(attrib.lengthMap);
+    __m128i even = _mm_setzero_si128(), odd = even;
+#pragma GCC unroll 8
+    for (unsigned i = 0; i < kCount / 16; i += 2) {
+        even = _mm_or_si128(even, _mm_loadu_si128(block + i));
+        odd = _mm_or_si128(odd, _mm_loadu_si128(block + i + 1));
+    }
+    const __m128i trails = _mm_and_si128(_mm_or_si128(even, odd), _mm_set1_epi8(0x07));
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(trails, _mm_setzero_si128())) == 0xFFFF;
 }
 
 inline bool isAsciiSingleByte(const nlsAttribStruct& attrib) {
-    return areSingleBytes(attrib, 128);
+    return areSingleBytes<128>(attrib);
 }
 
 }  // namespace nls

@@ -73,7 +73,7 @@ CaseMapped mapMixedBytes(const Charset& charset, const unsigned char* map, Copy 
 
 CaseMapped mapByBytes(const nlsAttribStruct& attrib, const unsigned char* map, Copy copy, ByteView text,
                       ByteSpan target) {
-    if (areSingleBytes(attrib, 256)) return mapSingleBytes(map, text, target);
+    if (areSingleBytes<256>(attrib)) return mapSingleBytes(map, text, target);
     return mapMixedBytes(Charset{attrib}, map, copy, text, target);
 }
 

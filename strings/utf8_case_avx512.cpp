@@ -190,6 +190,7 @@ NLS_TARGET_AVX512 bool hasUsualUtf8CaseAvx512(const nlsAttribStruct& attrib, con
     const uint16_t* const entries = table.casePages[0] + caseIndexOf(0, form);
     const AsciiForms& plain = kPlainAsciiForms[static_cast<unsigned>(form)];
     __m512i odd = _mm512_setzero_si512();
+#pragma GCC unroll 4
     for (unsigned i = 0; i < 256; i += 64) {
         const __m512i lengths = _mm512_and_si512(load(attrib.lengthMap + i), load(&kCounted[i]));
         const __m512i forms = _mm512_xor_si512(load(entries + i / 2), load(&plain[i / 2]));
