@@ -1,106 +1,123 @@
-// The order of characters' own values beside ICU's root collator, on column values of 8 to 64 bytes.
+// The order of characters' own values beside ICU's root collator, on columns of 200,000 values of 8 to 64 bytes.
 //
 // Pairs: random, neighbours in order, equal, and differing in case alone. Exact comparison stands beside the tertiary
 // strength, folded beside the secondary.
 //   bench_unicode_order [--cpu-level=1|2|3] [flags of Google Benchmark]
-#include <unicode/ucol.h>
-
 #include <algorithm>
+#include <numeric>
 #include <random>
 
 #include "bench/support/charset_work.hpp"
+#include "bench/support/collators.hpp"
+#include "bench/support/columns.hpp"
 #include "bench/support/peers.hpp"
 #include "tests/support/case_locale.hpp"
 
 namespace {
 
-using nls::bench::Candidate;
 using nls::bench::giveUp;
+using nls::bench::IcuCollator;
 using nls::bench::Language;
-using Pairs = std::vector<std::pair<std::string, std::string>>;
 
-std::string inUpperCase(const std::string& text) {
+constexpr std::size_t kValues = 200'000;
+
+const unsigned char* bytesOf(std::string_view text) {
+    return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+const nlsLocale* locale() {
     static nls::test::MadeCaseTable table;
-    static const bool filled = (table.fillFromLibrary(), true);
-    static nls::test::HandLocale locale{nls::test::utf8Charset()};
-    if (filled) locale.get()->caseTable = table.get();
+    static nlsCollStruct coll{};
+    static nls::test::HandLocale made{nls::test::utf8Charset()};
+    if (made.get()->coll == nullptr) {
+        table.fillFromLibrary();
+        coll.collKind = 3;
+        made.get()->caseTable = table.get();
+        made.get()->coll = &coll;
+    }
+    return made.get();
+}
+
+std::string inUpperCase(std::string text) {
     std::string upper(text.size() * 2 + 1, '\0');
-    const nlsStr from{const_cast<unsigned char*>(nls::test::bytesOf(text)), 0, 0};
+    const nlsStr from{reinterpret_cast<unsigned char*>(text.data()), 0, 0};
     nlsStr to{reinterpret_cast<unsigned char*>(upper.data()), static_cast<int32_t>(upper.size()), 0};
-    if (nlsUpperCase(locale.get(), nullptr, &from, &to) != NLS_OK) giveUp("upper case");
+    if (nlsUpperCase(locale(), nullptr, &from, &to) != NLS_OK) giveUp("upper case");
     upper.resize(to.strLength);
     return upper;
 }
 
-Pairs pairsOf(const std::string& kind, std::vector<std::string> values) {
-    Pairs pairs;
-    std::mt19937 random{1};
-    if (kind == "neighbours") std::sort(values.begin(), values.end());
-    for (std::size_t i = 0; i + 1 < values.size(); ++i) {
-        const std::string& a = values[i];
-        pairs.emplace_back(a, kind == "random"       ? values[random() % values.size()]
-                              : kind == "neighbours" ? values[i + 1]
-                              : kind == "case"       ? inUpperCase(a)
-                                                     : a);
+// Pairs of texts one behind the other in the order in which they are compared, each closed by a NUL: what is measured is
+// the comparison, not the way of a text to the processor.
+class Pairs {
+public:
+    void add(const std::string& a, const std::string& b) {
+        for (const std::string* const text : {&a, &b}) {
+            ends_.push_back(block_.size() + text->size());
+            block_.append(*text).push_back('\0');
+        }
     }
-    std::shuffle(pairs.begin(), pairs.end(), random);
+    template <typename Compare>
+    void compareAll(Compare compare) const {
+        int signs = 0;
+        std::size_t start = 0;
+        for (std::size_t i = 0; i < ends_.size(); i += 2) {
+            const std::string_view a{block_.data() + start, ends_[i] - start};
+            start = ends_[i] + 1;
+            const std::string_view b{block_.data() + start, ends_[i + 1] - start};
+            start = ends_[i + 1] + 1;
+            signs += compare(a, b);
+        }
+        asm volatile("" : : "r"(signs));
+    }
+    std::size_t count() const { return ends_.size() / 2; }
+    std::size_t bytes() const { return block_.size() - ends_.size(); }
+
+private:
+    std::string block_;
+    std::vector<std::size_t> ends_;
+};
+
+std::shared_ptr<const Pairs> pairsOf(const std::string& kind, std::vector<std::string> values) {
+    const auto pairs = std::make_shared<Pairs>();
+    std::mt19937 random{1};
+    std::vector<std::size_t> order(values.size() - 1);
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::shuffle(order.begin(), order.end(), random);
+    if (kind == "neighbours") std::sort(values.begin(), values.end());
+    for (const std::size_t i : order)
+        pairs->add(values[i], kind == "random"       ? values[random() % values.size()]
+                              : kind == "neighbours" ? values[i + 1]
+                              : kind == "case"       ? inUpperCase(values[i])
+                                                     : values[i]);
     return pairs;
 }
 
-Candidate ours(const std::shared_ptr<const Pairs>& pairs, const nlsLocale* locale, uint16_t mode) {
-    return {
-        "nls", [pairs, locale, mode] {
-            unsigned signs = 0;
-            for (const auto& [a, b] : *pairs) {
-                uint16_t sign = 0;
-                if (nlsCompareN(locale, nullptr, nls::test::bytesOf(a), nls::test::bytesOf(b),
-                                static_cast<int32_t>(a.size()), static_cast<int32_t>(b.size()), mode, &sign) != NLS_OK)
-                    giveUp("nls: compare");
-                signs += sign;
-            }
-            if (signs == 1) giveUp("signs");  // keeps the loop
-        }};
+int compareOurs(std::string_view a, std::string_view b, uint16_t mode) {
+    uint16_t sign = 0;
+    if (nlsCompareN(locale(), nullptr, bytesOf(a), bytesOf(b), static_cast<int32_t>(a.size()),
+                    static_cast<int32_t>(b.size()), mode, &sign) != NLS_OK)
+        giveUp("nls: compare");
+    return sign;
 }
 
-Candidate icuRoot(const std::shared_ptr<const Pairs>& pairs, UCollationStrength strength) {
-    UErrorCode error = U_ZERO_ERROR;
-    UCollator* const collator = ucol_open("", &error);
-    if (U_FAILURE(error)) giveUp("ucol_open");
-    ucol_setStrength(collator, strength);
-    return {"ICU root", [pairs, collator] {
-                int signs = 0;
-                for (const auto& [a, b] : *pairs) {
-                    UErrorCode status = U_ZERO_ERROR;
-                    signs += ucol_strcollUTF8(collator, a.data(), static_cast<int32_t>(a.size()), b.data(),
-                                              static_cast<int32_t>(b.size()), &status);
-                }
-                if (signs == 1 << 30) giveUp("signs");
-            }};
+void comparePairs(const std::string& label, const std::shared_ptr<const Pairs>& pairs) {
+    for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
+        const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
+        nls::bench::compare(
+            mode == 0 ? "compare folded" : "compare exactly", label, pairs->bytes(), pairs->count(),
+            {{"nls", [=] { pairs->compareAll([=](auto a, auto b) { return compareOurs(a, b, mode); }); }},
+             {"ICU root", [=] { pairs->compareAll([&](auto a, auto b) { return icu->compare(a, b); }); }}});
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<char*> arguments = nls::bench::holdCpuLevel(argc, argv);
-    static nls::test::MadeCaseTable table;
-    table.fillFromLibrary();
-    static nlsCollStruct coll{};
-    coll.collKind = 3;
-    nls::test::HandLocale locale{nls::test::utf8Charset()};
-    locale.get()->caseTable = table.get();
-    locale.get()->coll = &coll;
-    constexpr std::size_t kValues = 200000;
-    for (const Language language : {Language::ascii, Language::german, Language::russian, Language::japanese})
-        for (const char* const kind : {"random", "neighbours", "equal", "case"}) {
-            const auto pairs =
-                std::make_shared<const Pairs>(pairsOf(kind, nls::bench::columnValues(language, 8, 64, kValues)));
-            std::size_t bytes = 0;
-            for (const auto& [a, b] : *pairs) bytes += a.size() + b.size();
-            const std::string label = std::string(languageName(language)) + " " + kind;
-            nls::bench::compare("compare folded", label, bytes, pairs->size(),
-                                {ours(pairs, locale.get(), 0), icuRoot(pairs, UCOL_SECONDARY)});
-            nls::bench::compare("compare exactly", label, bytes, pairs->size(),
-                                {ours(pairs, locale.get(), 1), icuRoot(pairs, UCOL_TERTIARY)});
-        }
+    for (const Language language : {Language::german, Language::russian, Language::japanese})
+        for (const char* const kind : {"random", "neighbours", "equal", "case"})
+            comparePairs(std::string(languageName(language)) + " " + kind,
+                         pairsOf(kind, nls::bench::column(language, kValues)));
     return nls::bench::runComparisons(static_cast<int>(arguments.size()), arguments.data());
 }
