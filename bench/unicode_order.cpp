@@ -47,8 +47,8 @@ std::string inUpperCase(std::string text) {
     return upper;
 }
 
-// Pairs of texts one behind the other in the order in which they are compared, each closed by a NUL: what is measured is
-// the comparison, not the way of a text to the processor.
+// Pairs of texts one behind the other in the order in which they are compared, each closed by a NUL: what is measured
+// is the comparison, not the way of a text to the processor.
 class Pairs {
 public:
     void add(const std::string& a, const std::string& b) {

@@ -1,7 +1,7 @@
 // How far two texts are the same, in steps of 16 bytes.
 //
-// A limit is never passed. A NUL ends a text just as well, and where it stands isn't known before, so a load may pass it
-// inside its memory page, which can't fault; what stands there doesn't count. Tested by
+// A limit is never passed. A NUL ends a text just as well, and where it stands isn't known before, so a load may pass
+// it inside its memory page, which can't fault; what stands there doesn't count. Tested by
 // tests/collation/unicode_compare_test.cpp.
 #pragma once
 

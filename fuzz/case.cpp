@@ -1,8 +1,8 @@
 // Any text in lower and upper case, compared by characters, and as Thai: under tables of every kind, some of them wild.
 //
-// The first bytes of the input choose the tables, the room and where the text is cut in two; the rest is the text. Source
-// and target are blocks of just their size, so that a sanitizer sees a byte too far. Whatever the processor can do, the
-// answer is one and the same; the sign of two texts is the opposite of that of the two changed about.
+// The first bytes of the input choose the tables, the room and where the text is cut in two; the rest is the text.
+// Source and target are blocks of just their size, so that a sanitizer sees a byte too far. Whatever the processor can
+// do, the answer is one and the same; the sign of two texts is the opposite of that of the two changed about.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
