@@ -6,7 +6,7 @@ from collections import defaultdict
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-LIBRARY = ("core/", "convmap/", "chars/", "conversion/", "strings/")
+LIBRARY = ("core/", "convmap/", "chars/", "conversion/", "collation/", "strings/")
 
 
 def counts(build):

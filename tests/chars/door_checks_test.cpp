@@ -82,6 +82,10 @@ TEST(DoorChecks, NullPlacesAreRefused) {
     EXPECT_EQ(nlsGetOSCharset(nullptr), NLS_BAD_ARG);
     EXPECT_EQ(nlsFirstByte(nullptr, kText + 1, kText), 1U);
     EXPECT_EQ(nlsFirstByte(&locale.attrib(), kText, kText + 1), 1U);
+    place = kText;
+    locale.get()->attrib = nullptr;
+    EXPECT_EQ(nlsGetNextChar(locale.get(), nullptr, kText, &place), NLS_NO_ATTRIB);
+    EXPECT_EQ(place, nullptr);
 }
 
 }  // namespace

@@ -85,6 +85,17 @@ TEST(Ucs2Maps, BothDirectionsShareTheArrays) {
             }
 }
 
+TEST(Ucs2Maps, TheRecordAsTheFileHoldsIt) {
+    const Bytes file = world(randomMaps(3)).build();
+    OpenHandle open{file};
+    unsigned char read[481];
+    ASSERT_EQ(readUCS2Data(open.handle, "dbcs", "utf-8", read + 1), NLS_OK);
+    EXPECT_EQ(std::memcmp(read + 1, file.data() + open.handle->toc[0].offset + 8, 480), 0);
+    EXPECT_EQ(readUCS2Data(open.handle, "UTF-8", "DBCS", read), NLS_NO_CONV_TABLE) << "an entry without data";
+    open.file.cutRead = open.file.reads;
+    EXPECT_EQ(readUCS2Data(open.handle, "DBCS", "UTF-8", read), NLS_READ_FAILED);
+}
+
 TEST(Ucs2Maps, AnArrayMayEndWhereTheFileEnds) {
     std::array<MapSource, 3> maps;
     maps[1].cells.assign(50, 0x1234);
