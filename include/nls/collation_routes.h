@@ -20,9 +20,9 @@ NLS_BEGIN_DECLS
 /* ---- Thai text of one byte a character ---- */
 
 /* The rank of the cluster at `*cursor`, and moves `*cursor` behind it. A cluster is at most one leading vowel, one
-   base, one vowel above or below and one tone. Bits 24 to 31: weight of the base, or of the byte that stands alone; 16 to 23:
-   of the leading vowel; 8 to 15: of the vowel; 0 to 7: of the tone, 2 where there is none, 0 for a byte that stands
-   alone. On the NUL it is 2, and the cursor stays. */
+   base, one vowel above or below and one tone. Bits 24 to 31: weight of the base, or of the byte that stands alone; 16
+   to 23: of the leading vowel; 8 to 15: of the vowel; 0 to 7: of the tone, 2 where there is none, 0 for a byte that
+   stands alone. On the NUL it is 2, and the cursor stays. */
 NLS_API uint32_t GetLetterClusterRank(const unsigned char* map, const unsigned char** cursor);
 
 /* The sign of two texts, by the ranks of their clusters. */
@@ -30,8 +30,8 @@ NLS_API int32_t thaiCompare(const unsigned char* s1, const unsigned char* s2, co
                             const unsigned char* exactMap, uint16_t compareMode);
 
 /* Writes the sort key of `src`, with its NUL, to at most `keySize` bytes at `key`. A longer key is cut. With a
-   `keySize` below 1 nothing is written. Keys of the same map order as thaiCompare does, as long as every vowel and tone has a
-   base; blanks at the end are part of the key. */
+   `keySize` below 1 nothing is written. Keys of the same map order as thaiCompare does, as long as every vowel and tone
+   has a base; blanks at the end are part of the key. */
 NLS_API void thaiSortcop(unsigned char* key, const unsigned char* src, int32_t keySize, const unsigned char* foldMap,
                          const unsigned char* exactMap, uint16_t compareMode);
 

@@ -7,6 +7,8 @@
 #include "collation/thai_compare.hpp"
 #include "collation/thai_key.hpp"
 #include "nls/collation_routes.h"
+#include "nls/compare.h"
+#include "nls/status.h"
 #include "tests/reference/thai.hpp"
 #include "tests/support/guarded_buffer.hpp"
 #include "tests/support/hand_charsets.hpp"
@@ -122,6 +124,29 @@ TEST(Thai, KeysByHand) {
         unsigned char key[32] = {0xEE};
         thaiSortcop(key, bytesOf(row.text), row.keySize, nullptr, map.data(), 1);
         EXPECT_EQ(reinterpret_cast<const char*>(key), row.key) << row.why;
+    }
+}
+
+// A locale of this kind compares and makes its keys so, folded with mode 0 and exactly with any other.
+TEST(Thai, UnderALocale) {
+    nlsCollStruct coll{};
+    coll.collKind = 4;
+    const Map exact = weights(false), fold = weights(true);
+    std::copy(exact.begin(), exact.end(), coll.exactMap);
+    std::copy(fold.begin(), fold.end(), coll.foldMap);
+    nls::test::HandLocale locale{nls::test::singleByteCharset()};
+    locale.get()->coll = &coll;
+    unsigned char a[] = "\xE0\xA1  ", b[] = "\xA1\xA2", key[16];
+    for (const uint16_t mode : {uint16_t{0}, uint16_t{1}, uint16_t{9}}) {
+        const unsigned char* const map = mode == 0 ? coll.foldMap : coll.exactMap;
+        uint16_t result = 77, length = 77;
+        EXPECT_EQ(nlsCompare(locale.get(), nullptr, a, b, mode, &result), NLS_OK);
+        EXPECT_EQ(static_cast<int16_t>(result), nls::test::slowThaiCompare(map, "\xE0\xA1  ", "\xA1\xA2"));
+        EXPECT_EQ(nlsCompareN(locale.get(), nullptr, a, b, 0, 0, mode, &result), NLS_OK);
+        EXPECT_EQ(result, 0);
+        EXPECT_EQ(nlsSortKey(locale.get(), nullptr, a, 16, mode, 1, key, &length), NLS_OK);
+        EXPECT_EQ(std::string(key, key + length), nls::test::slowThaiKey(map, "\xE0\xA1", 15));
+        EXPECT_STREQ(reinterpret_cast<char*>(a), "\xE0\xA1  ");
     }
 }
 
