@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "tools/nls/commands.hpp"
 #include "tools/nls/json.hpp"
 #include "tools/nls/session.hpp"
@@ -18,12 +20,36 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
-void printJson(const Session& session, const std::vector<nlsTocEntry>& charsets) {
+// Some charsets have a name and tables of their own alone.
+bool converts(const std::vector<nlsTocEntry>& contents, const nlsTocEntry& charset) {
+    constexpr uint16_t conversion = 1;
+    return std::any_of(contents.begin(), contents.end(), [&charset](const nlsTocEntry& entry) {
+        return entry.entryType == conversion && nlsStbcmp(entry.name1, charset.name1) == 0;
+    });
+}
+
+struct Listed {
+    std::string name, kind;
+};
+
+std::vector<Listed> listed(const std::vector<nlsTocEntry>& contents) {
+    constexpr uint16_t attributeTable = 2;
+    std::vector<Listed> charsets;
+    for (const nlsTocEntry& entry : contents) {
+        if (entry.entryType != attributeTable) continue;
+        charsets.push_back({entry.name1, kindOf(entry.rawByte)});
+        if (!converts(contents, entry)) charsets.back().kind += ", no conversion";
+    }
+    return charsets;
+}
+
+void printJson(const Session& session, const std::vector<Listed>& charsets) {
     JsonWriter json;
     json.open('{').member("command", "list").member("dataFile", std::string_view(session.dataFile()));
     json.key("charsets").open('[');
-    for (const nlsTocEntry& entry : charsets) {
-        json.open('{').member("name", entry.name1).member("kind", kindOf(entry.rawByte)).close('}');
+    for (const Listed& charset : charsets) {
+        json.open('{').member("name", std::string_view(charset.name));
+        json.member("kind", std::string_view(charset.kind)).close('}');
     }
     json.close(']').close('}');
     print(json.text() + "\n");
@@ -32,16 +58,12 @@ void printJson(const Session& session, const std::vector<nlsTocEntry>& charsets)
 }  // namespace
 
 Exit listCharsets(const Common& common) {
-    constexpr uint16_t attributeTable = 2;
     const Session session{findDataFile(common.dataFile)};
-    std::vector<nlsTocEntry> charsets;
-    for (const nlsTocEntry& entry : session.contents()) {
-        if (entry.entryType == attributeTable) charsets.push_back(entry);
-    }
+    const std::vector<Listed> charsets = listed(session.contents());
     if (common.json) {
         printJson(session, charsets);
     } else {
-        for (const nlsTocEntry& entry : charsets) print(padded(entry.name1, 14) + kindOf(entry.rawByte) + "\n");
+        for (const Listed& charset : charsets) print(padded(charset.name, 14) + charset.kind + "\n");
     }
     return Exit::done;
 }

@@ -27,7 +27,7 @@ public:
           session_(findDataFile(common.dataFile)),
           utf8_(session_.locale("UTF-8")),
           usedBefore_(session_.arenaUsed()),
-          charset_(session_, name) {}
+          charset_(session_, name, TextCharset::Tables::ifAny) {}
 
     Exit run() {
         gather();
@@ -57,7 +57,7 @@ private:
         if (charset_.isLegacy() || charset_.isUtf8()) {
             add("letters", "letters", byteRanges([&](unsigned byte) { return maps.alphaMap[byte] != 0; }));
         }
-        if (charset_.isLegacy()) add("substitute", "substitute", hexOf(charset_.substitute()));
+        if (charset_.isLegacy() && charset_.hasTables()) add("substitute", "substitute", hexOf(charset_.substitute()));
         gatherContents();
         const uint64_t bytes = session_.arenaUsed() - usedBefore_;
         if (bytes != 0) add("memory", "memory", std::to_string(bytes) + " bytes of arena for all of it");
@@ -111,7 +111,7 @@ private:
         JsonWriter json;
         json.open('{').member("command", "show");
         for (const Row& row : rows_) json.member(row.key, std::string_view(row.value));
-        if (charset_.form() == TextCharset::Form::singleByte) {
+        if (hasChart()) {
             json.key("characters").open('[');
             for (unsigned byte = 0; byte < 256; ++byte) json.value(std::string_view(character(byte)));
             json.close(']');
@@ -126,8 +126,10 @@ private:
             line.resize(14, ' ');
             print(line + row.value + "\n");
         }
-        if (charset_.form() == TextCharset::Form::singleByte) showChart();
+        if (hasChart()) showChart();
     }
+
+    bool hasChart() const { return charset_.form() == TextCharset::Form::singleByte && charset_.hasTables(); }
 
     // The character of a byte as UTF-8; empty if it has none.
     std::string character(unsigned value) const {

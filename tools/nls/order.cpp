@@ -22,7 +22,7 @@ const nlsLocale* findLocale(Session& session, const TextCharset& charset, const 
 }  // namespace
 
 Order::Order(Session& session, const std::string& name, Fold fold)
-    : charset_(session, parseOrderName(name).charset),
+    : charset_(session, parseOrderName(name).charset, TextCharset::Tables::ifAny),
       fold_(fold),
       locale_(findLocale(session, charset_, parseOrderName(name))),
       name_(charset_.name() + "/" + collation().collName) {

@@ -72,28 +72,31 @@ std::size_t walkedBoundary(const nlsAttribStruct& attrib, ByteView text, std::si
 
 }  // namespace
 
-TextCharset::TextCharset(Session& session, const std::string& name) : locale_(session.locale(name)) {
+TextCharset::TextCharset(Session& session, const std::string& name, Tables tables) : locale_(session.locale(name)) {
     name_ = locale_->charsetName;
     for (const std::string& spelled : session.charsets()) {
         if (nlsStbcmp(spelled.c_str(), name.c_str()) == 0) name_ = spelled;
     }
     form_ = formOf(*locale_->attrib);
     for (const unsigned char entry : locale_->attrib->lengthMap) longestTrail_ = std::max(longestTrail_, entry & 0x07U);
-    if (!isUtf8()) findTables(session);
+    hasTables_ = isUtf8() || findTables(session);
+    if (!hasTables_ && tables == Tables::ifAny) return;
+    if (!hasTables_) {
+        throw Failure(Exit::usage, session.dataFile() + " knows the charset \"" + name_ +
+                                       "\" but no conversion between it and UTF-8");
+    }
     if (form_ == Form::singleByte) findUndefinedBytes();
     findSubstitute();
 }
 
-void TextCharset::findTables(Session& session) {
+// False where there are none.
+bool TextCharset::findTables(Session& session) {
     nlsLocale* const own = session.locale(name_);
     nlsLocale* const utf8 = session.locale("UTF-8");
     // The way there first: it makes the table of the way back beside its own.
     const nlsConversion* const there = session.conversion(own, utf8);
     const nlsConversion* const back = session.conversion(utf8, own);
-    if (there == nullptr || back == nullptr) {
-        throw Failure(Exit::usage, session.dataFile() + " knows the charset \"" + name_ +
-                                       "\" but no conversion between it and UTF-8");
-    }
+    if (there == nullptr || back == nullptr) return false;
     toUtf8_ = there->table;
     fromUtf8_ = back->table;
     uint32_t swapSource = 0;
@@ -102,6 +105,7 @@ void TextCharset::findTables(Session& session) {
     swapped_ = swapSource != 0;
     constexpr unsigned char nextLine[] = {0xC2, 0x85};
     isEbcdic_ = form_ == Form::singleByte && reads(0x15, nextLine);
+    return true;
 }
 
 // Whether a byte of a single-byte charset is `text`.
@@ -202,6 +206,10 @@ bool TextCharset::decode(ByteView piece, ByteBuffer& text) const {
 }
 
 bool TextCharset::encode(ByteView text, ByteBuffer& piece) const {
+    if (!hasTables_) {
+        piece.append(text);
+        return std::all_of(text.begin(), text.end(), [](unsigned char byte) { return byte < 0x80; });
+    }
     if (fromUtf8_ == nullptr) {
         piece.append(text);
         return true;

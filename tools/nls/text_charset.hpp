@@ -19,11 +19,15 @@ class TextCharset {
 public:
     enum class Form { utf8, units16, units32, singleByte, multiByte };
 
-    // Finds the charset and its tables to and from UTF-8. Throws for an unknown name and for a charset without them.
-    TextCharset(Session& session, const std::string& name);
+    enum class Tables { required, ifAny };
+
+    // Finds the charset and its tables to and from UTF-8. Throws for an unknown name, and for a charset without tables
+    // that are required. Of one without them no more is known than its name, its form and that it holds ASCII.
+    TextCharset(Session& session, const std::string& name, Tables tables = Tables::required);
 
     const std::string& name() const { return name_; }
     Form form() const { return form_; }
+    bool hasTables() const { return hasTables_; }
     bool isUtf8() const { return form_ == Form::utf8; }
     bool isLegacy() const { return form_ == Form::singleByte || form_ == Form::multiByte; }
     const nlsLocale* locale() const { return locale_; }
@@ -42,7 +46,7 @@ public:
     ByteView substitute() const { return substitute_.view(); }
 
 private:
-    void findTables(Session& session);
+    bool findTables(Session& session);
     void findUndefinedBytes();
     bool reads(unsigned char byte, ByteView text) const;
     void findSubstitute();
@@ -54,6 +58,7 @@ private:
     const nlsConvTable* toUtf8_ = nullptr;
     const nlsConvTable* fromUtf8_ = nullptr;
     Form form_;
+    bool hasTables_ = true;
     bool isEbcdic_ = false;
     bool swapped_ = false;        // units in the order opposite to this machine's
     unsigned longestTrail_ = 0;   // largest trail count
