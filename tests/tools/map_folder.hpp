@@ -18,7 +18,9 @@ public:
         std::string pattern = (std::filesystem::temp_directory_path() / "nls-map-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr) std::abort();
         folder_ = pattern;
-        std::filesystem::create_directory(folder_ / "charsets");
+        for (const char* const name : {"charsets", "collations", "case"}) {
+            std::filesystem::create_directory(folder_ / name);
+        }
     }
     ~MapFolder() { std::filesystem::remove_all(folder_); }
     MapFolder(const MapFolder&) = delete;

@@ -177,10 +177,11 @@ TEST(Refusals, OfAList) {
         std::string text, message;
     } rows[] = {
         {"# nothing\n", "map.list: the list is empty"},
-        {"collation X\n", "map.list:1: \"collation\" is none of charset, convert, convert-by-rule"},
+        {"colation X\n",
+         "map.list:1: \"colation\" is none of charset, convert, convert-by-rule, collation, collation-part, case"},
         {"charset\n", "map.list:1: charset needs names of charsets"},
         {"charset NONE\n", "map.list:1: there is no charsets/NONE.txt"},
-        {"charset ../map\n", "map.list:1: \"../map\" is no name of a charset's file"},
+        {"charset ../map\n", "map.list:1: \"../map\" is no name of a file"},
         {"charset A-NAME-OF-20-LETTERS\n",
          "map.list:1: the name \"A-NAME-OF-20-LETTERS\" has 20 characters; the data file holds 19"},
         {"charset KŒLN\n", "map.list:1: \"KŒLN\" is no name: ASCII characters are wanted"},

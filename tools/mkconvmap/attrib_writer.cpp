@@ -6,20 +6,6 @@
 
 namespace nls::mkconvmap {
 
-namespace {
-
-// The character of a single byte; 0 where it has none.
-char32_t characterOf(const CompiledCharset& charset, uint32_t byte) {
-    if (charset.source.isSingleByte()) return charset.source.units[byte];
-    if (charset.multiByte) {
-        const auto found = charset.multiByte->toUnicode.find(static_cast<uint16_t>(byte));
-        return found == charset.multiByte->toUnicode.end() ? 0 : found->second;
-    }
-    return byte < 0x80 ? byte : 0;
-}
-
-}  // namespace
-
 uint8_t attributeFlags(const CharsetSource& charset) {
     switch (charset.kind) {
         case CharsetKind::singleByte:
@@ -37,6 +23,16 @@ uint8_t attributeFlags(const CharsetSource& charset) {
     return 0;
 }
 
+char32_t characterOfByte(const CompiledCharset& charset, uint32_t byte) {
+    if (charset.source.lengths[byte] != 0) return 0;
+    if (charset.source.isSingleByte()) return charset.source.units[byte];
+    if (charset.multiByte) {
+        const auto found = charset.multiByte->toUnicode.find(static_cast<uint16_t>(byte));
+        return found == charset.multiByte->toUnicode.end() ? 0 : found->second;
+    }
+    return byte < 0x80 ? byte : 0;
+}
+
 DataRecord attributeRecord(const CompiledCharset& charset) {
     DataRecord record;
     record.bytes.resize(format::attributes::kSize);
@@ -47,7 +43,7 @@ DataRecord attributeRecord(const CompiledCharset& charset) {
     for (uint32_t byte = 0; byte < format::kMapEntries; ++byte) {
         lengths[byte] = charset.source.lengths[byte];
         trails[byte] = charset.source.trails[byte] ? 1 : 0;
-        letters[byte] = lengths[byte] == 0 && isAlphabetic(characterOf(charset, byte)) ? 1 : 0;
+        letters[byte] = isAlphabetic(characterOfByte(charset, byte)) ? 1 : 0;
     }
     return record;
 }

@@ -76,11 +76,11 @@ void compile(const Options& options) {
     write(draft.path(), image.data(), image.size());
     const ArenaUse use = readBack(map, read(draft.path()));
     if (!options.listing.empty()) {
-        const std::string listing = listingOf(map.file, image, use);
+        const std::string listing = listingOf(map, image, use);
         write(options.listing, listing.data(), listing.size());
     }
     draft.publish();
-    std::fputs(summaryOf(map.file, image, use).c_str(), stdout);
+    std::fputs(summaryOf(map, image, use).c_str(), stdout);
 }
 
 int run(const Options& options) {

@@ -10,6 +10,7 @@
 #include "nls/status.h"
 #include "tools/mkconvmap/attrib_writer.hpp"
 #include "tools/mkconvmap/charset_model.hpp"
+#include "tools/mkconvmap/table_check.hpp"
 
 namespace nls::mkconvmap {
 
@@ -156,21 +157,29 @@ public:
         for (const FileEntry& entry : map_.file.entries()) use.entries.push_back(load(entry));
         for (const CompiledCharset& charset : map_.charsets) checkLocale(charset);
         for (const FileEntry& entry : map_.file.entries()) {
+            if (isTable(entry)) checkTable(open_.handle(), entry);
             if (entry.type != format::EntryType::conversion) continue;
             checkConversion(entry);
             checkMark(entry);
         }
         checkRoutes();
+        checkDerivedTables(open_.handle(), map_);
         return use;
     }
 
 private:
+    static bool isTable(const FileEntry& entry) {
+        return entry.type == format::EntryType::collation || entry.type == format::EntryType::caseTable;
+    }
+
     // Loads the table of an entry alone and tells what it took.
     uint32_t load(const FileEntry& entry) {
         const uint32_t before = open_.arenaUsed();
         if (entry.type == format::EntryType::attributes) {
             nlsAttribStruct* attrib = nullptr;
             require(nlsGetAttribStructPtr(open_.handle(), entry.name1.c_str(), &attrib), entry.name1);
+        } else if (isTable(entry)) {
+            loadTable(open_.handle(), entry);
         } else {
             nlsConvTable* table = nullptr;
             require(nlsGetConvTablePtr(open_.handle(), entry.name1.c_str(), entry.name2.c_str(), 0, &table),

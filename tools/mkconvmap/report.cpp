@@ -1,6 +1,7 @@
 #include "tools/mkconvmap/report.hpp"
 
 #include <cstdio>
+#include <map>
 #include <numeric>
 #include <set>
 
@@ -44,8 +45,10 @@ uint32_t offsetOf(const std::vector<unsigned char>& image, std::size_t index) {
 
 // Entries by kind, and the bytes of their records; shared records count once.
 struct Totals {
-    int attributes = 0, conversions = 0, bare = 0, shared = 0;
-    std::size_t attributeBytes = 0, conversionBytes = 0, arrays = 0;
+    std::map<format::EntryType, int> entries;
+    std::map<format::EntryType, std::size_t> bytes;
+    int bare = 0, shared = 0;
+    std::size_t arrays = 0;
 };
 
 Totals totalsOf(const FileWriter& file, const std::vector<unsigned char>& image) {
@@ -53,14 +56,13 @@ Totals totalsOf(const FileWriter& file, const std::vector<unsigned char>& image)
     std::set<uint32_t> seen;
     for (std::size_t index = 0; index < file.entries().size(); ++index) {
         const FileEntry& entry = file.entries()[index];
-        const bool isConversion = entry.type == format::EntryType::conversion;
-        ++(isConversion ? totals.conversions : totals.attributes);
+        ++totals.entries[entry.type];
         if (!entry.record) {
             ++totals.bare;
         } else if (!seen.insert(offsetOf(image, index)).second) {
             ++totals.shared;
         } else {
-            (isConversion ? totals.conversionBytes : totals.attributeBytes) += entry.record->bytes.size();
+            totals.bytes[entry.type] += entry.record->bytes.size();
             totals.arrays += arrayBytes(*entry.record);
         }
     }
@@ -69,20 +71,27 @@ Totals totalsOf(const FileWriter& file, const std::vector<unsigned char>& image)
 
 }  // namespace
 
-std::string summaryOf(const FileWriter& file, const std::vector<unsigned char>& image, const ArenaUse& use) {
-    const Totals totals = totalsOf(file, image);
-    const std::size_t contents = file.entries().size() * format::entry::kSize;
+std::string summaryOf(const CompiledMap& map, const std::vector<unsigned char>& image, const ArenaUse& use) {
+    using Type = format::EntryType;
+    Totals totals = totalsOf(map.file, image);
+    const std::size_t entries = map.file.entries().size();
     const uint32_t tables = std::accumulate(use.entries.begin(), use.entries.end(), 0U);
-    return formatted("%zu entries: %d attribute tables, %d conversions (%d without a record, %d with a shared one)\n",
-                     file.entries().size(), totals.attributes, totals.conversions, totals.bare, totals.shared) +
-           formatted("%zu bytes: contents %zu, attribute tables %zu, conversion records %zu, arrays %zu\n",
-                     image.size(), contents, totals.attributeBytes, totals.conversionBytes, totals.arrays) +
+    return formatted("%zu entries: %d attribute tables, %d conversions, %d collations, %d case tables; ", entries,
+                     totals.entries[Type::attributes], totals.entries[Type::conversion],
+                     totals.entries[Type::collation], totals.entries[Type::caseTable]) +
+           formatted("%d without a record, %d with a shared one\n", totals.bare, totals.shared) +
+           formatted("%zu bytes: contents %zu, attribute tables %zu, conversion records %zu, arrays %zu, ",
+                     image.size(), entries * format::entry::kSize, totals.bytes[Type::attributes],
+                     totals.bytes[Type::conversion], totals.arrays) +
+           formatted("collations %zu, case tables %zu\n", totals.bytes[Type::collation],
+                     totals.bytes[Type::caseTable]) +
            formatted("%u bytes of arena for the handle, %u for all tables\n", use.handle, tables);
 }
 
-std::string listingOf(const FileWriter& file, const std::vector<unsigned char>& image, const ArenaUse& use) {
+std::string listingOf(const CompiledMap& map, const std::vector<unsigned char>& image, const ArenaUse& use) {
     std::string text =
         formatted("%-11s %-20s%-20s%4s %8s %7s %7s\n", "kind", "name", "to", "raw", "offset", "bytes", "arena");
+    const FileWriter& file = map.file;
     std::set<uint32_t> seen;
     for (std::size_t index = 0; index < file.entries().size(); ++index) {
         const FileEntry& entry = file.entries()[index];
@@ -98,6 +107,7 @@ std::string listingOf(const FileWriter& file, const std::vector<unsigned char>& 
         }
         text += formatted(" %7u\n", use.entries[index]);
     }
+    for (const std::string& remark : map.remarks) text += remark + "\n";
     return text;
 }
 

@@ -10,9 +10,10 @@
 namespace nls::mkconvmap {
 
 // Three lines: entries by kind, bytes by use, arena.
-std::string summaryOf(const FileWriter& file, const std::vector<unsigned char>& image, const ArenaUse& use);
+std::string summaryOf(const CompiledMap& map, const std::vector<unsigned char>& image, const ArenaUse& use);
 
-// One line for each entry: kind, names, raw byte, where its data stands, bytes with its arrays, arena taken.
-std::string listingOf(const FileWriter& file, const std::vector<unsigned char>& image, const ArenaUse& use);
+// One line for each entry: kind, names, raw byte, where its data stands, bytes with its arrays (= where an
+// entry before has the same), arena taken. Behind them the remarks on tables that couldn't take all that was meant.
+std::string listingOf(const CompiledMap& map, const std::vector<unsigned char>& image, const ArenaUse& use);
 
 }  // namespace nls::mkconvmap
