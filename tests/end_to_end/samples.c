@@ -127,7 +127,7 @@ static int readText(const char* folder, const char* name, Text* text) {
 }
 
 int main(int argc, char** argv) {
-    static uint64_t block[NLS_SMALLEST_BLOCK / sizeof(uint64_t)];
+    static uint64_t block[8192]; /* 64 bytes for each entry of the contents, and little more */
     char line[512];
     unsigned texts = 0, direct = 0;
     if (argc != 3) return 2;

@@ -30,16 +30,23 @@ bool isSwapped(const std::string& name) {
 
 constexpr uint16_t kConversionEntry = 1, kAttributeEntry = 2;
 
+Bytes contentOf(const char* path) {
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    Bytes content(file ? static_cast<std::size_t>(file.tellg()) : 0);
+    file.seekg(0).read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(content.size()));
+    if (content.empty()) throw std::runtime_error(std::string("no data file at ") + path);
+    return content;
+}
+
 }  // namespace
 
 const Bytes& dataFile() {
-    static const Bytes bytes = [] {
-        std::ifstream file(NLS_CONVMAP, std::ios::binary | std::ios::ate);
-        Bytes content(file ? static_cast<std::size_t>(file.tellg()) : 0);
-        file.seekg(0).read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(content.size()));
-        return content;
-    }();
-    if (bytes.empty()) throw std::runtime_error("no data file at " NLS_CONVMAP);
+    static const Bytes bytes = contentOf(NLS_CONVMAP);
+    return bytes;
+}
+
+const Bytes& smallDataFile() {
+    static const Bytes bytes = contentOf(NLS_SMALL_CONVMAP);
     return bytes;
 }
 
@@ -57,6 +64,9 @@ RealFile::RealFile() : open_(dataFile(), kArena) {
         if (entry.entryType == kAttributeEntry)
             charsets_.push_back({name, familyOf(static_cast<uint16_t>(entry.rawByte)), isSwapped(name)});
     }
+    std::erase_if(charsets_, [this](const Name& charset) {
+        return std::none_of(pairs_.begin(), pairs_.end(), [&](const auto& pair) { return pair.first == charset.text; });
+    });
 }
 
 const Name& RealFile::charset(const std::string& name) const {

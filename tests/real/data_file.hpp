@@ -30,12 +30,15 @@ struct Name {
 };
 
 const Bytes& dataFile();
+// The file that opens in the smallest block.
+const Bytes& smallDataFile();
 
 // A handle with memory for everything that the file holds.
 class RealFile {
 public:
     static RealFile& shared();
 
+    // Those that convert; some have a name and tables of their own alone.
     const std::vector<Name>& charsets() const { return charsets_; }
     std::vector<std::string> legacyCharsets() const { return names(false); }
     std::vector<std::string> unicodeForms() const { return names(true); }

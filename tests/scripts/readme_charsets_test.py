@@ -1,7 +1,7 @@
 """The table of charsets in README.md against the library's names and the descriptions in data/.
 
-Every canonical name stands in the table or among those left out; a name in the table has a description, whose source is
-what the table says; a name left out has none.
+Every canonical name stands in the table or among those without a conversion; a name in the table has a description, whose
+source is what the table says; a name without a conversion is in no line "convert" of the list.
 """
 import re
 import sys
@@ -24,7 +24,7 @@ def main():
     section = (ROOT / "README.md").read_text(encoding="utf-8").split("\n## Charsets\n")[1].split("\n## ")[0]
     rows = re.findall(r"^\| (`.*?) \| (.*?) \| (.*?) \|$", section, re.M)
     table = {name: source for names, _, source in rows for name in re.findall(r"`([^`]+)`", names)}
-    left_out = set(re.findall(r"`(\d{3})`", section.split("Left out are")[1].split(":")[0]))
+    left_out = set(re.findall(r"`(\d{3})`", section.split("Without a conversion are")[1].split(":")[0]))
     code = (ROOT / "strings" / "charset_names.cpp").read_text(encoding="utf-8")
     canonical = set(re.findall(r'"([^"]+)"', code.split("zelCharset[]")[1].split("}")[0]))
 
@@ -32,11 +32,14 @@ def main():
     faults += [f"{name} is no name of the library" for name in sorted((set(table) | left_out) - canonical)]
     faults += [f"{name}: the table says {source}, its description {described(name)}"
                for name, source in table.items() if not source.startswith(described(name))]
-    faults += [f"{name} is said to be left out, but has a description" for name in left_out if described(name) != "missing"]
+    lines = (ROOT / "data" / "convmap.list").read_text(encoding="utf-8").splitlines()
+    converted = {name for line in lines if line.startswith("convert") for name in line.split()[1:]}
+    faults += [f"{name} is said to have no conversion, but converts" for name in sorted(left_out & converted)]
+    faults += [f"{name} has no conversion" for name in sorted(set(table) - converted)]
     for told, found in ((r"(\d+) of the", len(table)), (r"of the (\d+) names", len(canonical))):
         if int(re.search(told, section).group(1)) != found:
             faults.append(f"the text says {re.search(told, section).group(0)}, there are {found}")
-    print("\n".join(faults) if faults else f"{len(table)} charsets as the table says, {len(left_out)} left out")
+    print("\n".join(faults) if faults else f"{len(table)} charsets as the table says, {len(left_out)} without a conversion")
     return 1 if faults else 0
 
 
