@@ -433,6 +433,25 @@ TEST(NlsFingerprint, TheDigestIsSha256) {
     EXPECT_EQ(digest("a", 1000000), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
 }
 
+// The lists of names stand in the order of their language, and come back into it.
+TEST(NlsSort, NamesOfManyLanguages) {
+    std::ifstream lists(NLS_SAMPLES "/names.list");
+    int count = 0;
+    for (std::string language, order; lists >> language >> order; ++count) {
+        std::ifstream file(NLS_SAMPLES "/" + language + ".names");
+        const std::string want{std::istreambuf_iterator<char>(file), {}};
+        const std::string charset = order.substr(0, order.find('/'));
+        std::vector<std::string> names = split(want);
+        std::sort(names.begin(), names.end());
+        const std::string bytes = joined(names, '\n');
+        const Answer there = run({"convert", "-t", charset}, bytes);
+        const Answer sorted = run({"sort", "-l", order, "-f", "fold"}, there.out);
+        EXPECT_EQ(run({"convert", "-f", charset}, sorted.out).out, want) << order << there.err << sorted.err;
+        EXPECT_NE(bytes, want) << language;
+    }
+    EXPECT_GT(count, 8);
+}
+
 // Every collation of the real file: keys change nothing, and the keys of what is sorted rise.
 TEST(NlsSort, EveryCollationOfTheFile) {
     std::ifstream file(NLS_CONVMAP, std::ios::binary);
@@ -460,7 +479,7 @@ TEST(NlsSort, EveryCollationOfTheFile) {
             }
         }
     }
-    RecordProperty("collations", collations);
+    EXPECT_GT(collations, 50);
 }
 
 }  // namespace
