@@ -289,6 +289,9 @@ TEST(NlsOrders, RowsOfCalls) {
         {"upper -l SHIFT-JIS", "", 2, "", "SHIFT-JIS has no case table \"basic\""},
         {"fingerprint LATIN/site", "", 4, "", "LATIN/site can't be used"},
         {"fingerprint", "", 2, "", "ORDER is required"},
+        {"list --collations", "", 0,
+         "LATIN/basic\nUTF-8/basic\nLATIN/thai\nLATIN/site\nSHIFT-JIS/basic\nEUCJIS/basic\n"
+         "EBCDIC/basic\nLATIN/german\nEUCJIS/folded\nSHIFT-JIS/folded\n"},
     };
     for (const auto& row : rows) {
         const Answer answer = run(small.words(row.line), row.in);

@@ -55,6 +55,25 @@ void printJson(const Session& session, const std::vector<Listed>& charsets) {
     print(json.text() + "\n");
 }
 
+// CHARSET/COLLATION, as `-l` takes it.
+Exit listCollations(const Common& common) {
+    constexpr uint16_t collationEntry = 4;
+    const Session session{findDataFile(common.dataFile)};
+    JsonWriter json;
+    json.open('{').member("command", "list").member("dataFile", std::string_view(session.dataFile()));
+    json.key("collations").open('[');
+    std::string lines;
+    for (const nlsTocEntry& entry : session.contents()) {
+        if (entry.entryType != collationEntry) continue;
+        const std::string name = std::string(entry.name1) + "/" + entry.name2;
+        json.value(std::string_view(name));
+        lines += name + "\n";
+    }
+    json.close(']').close('}');
+    print(common.json ? json.text() + "\n" : lines);
+    return Exit::done;
+}
+
 }  // namespace
 
 Exit listCharsets(const Common& common) {
@@ -70,7 +89,15 @@ Exit listCharsets(const Common& common) {
 
 void addList(CLI::App& app, const Common& common, Run& run) {
     CLI::App* const command = app.add_subcommand("list", "list the charsets of the data file");
-    command->callback([&common, &run] { run = [&common] { return listCharsets(common); }; });
+    auto collations = std::make_shared<bool>(false);
+    command->add_flag("--collations", *collations, "list the collations instead, as CHARSET/COLLATION");
+    command->footer(
+        "A single-byte charset also has, by derivation, the collations of charsets from which the file has a byte map "
+        "to "
+        "it.\n");
+    command->callback([&common, &run, collations] {
+        run = [&common, collations] { return *collations ? listCollations(common) : listCharsets(common); };
+    });
 }
 
 }  // namespace nls::tool
