@@ -28,7 +28,7 @@ bool isSwapped(const std::string& name) {
     return name.starts_with("UTF") && name.ends_with(other);
 }
 
-constexpr uint16_t kConversionEntry = 1, kAttributeEntry = 2;
+constexpr uint16_t kConversionEntry = 1, kAttributeEntry = 2, kCaseEntry = 3, kCollationEntry = 4;
 
 Bytes contentOf(const char* path) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
@@ -61,6 +61,8 @@ RealFile::RealFile() : open_(dataFile(), kArena) {
         const nlsTocEntry& entry = open_.handle->toc[at];
         const std::string name = entry.name1;
         if (entry.entryType == kConversionEntry) pairs_.emplace_back(name, entry.name2);
+        if (entry.entryType == kCaseEntry) caseTables_.emplace_back(name, entry.name2);
+        if (entry.entryType == kCollationEntry) collations_.emplace_back(name, entry.name2);
         if (entry.entryType == kAttributeEntry)
             charsets_.push_back({name, familyOf(static_cast<uint16_t>(entry.rawByte)), isSwapped(name)});
     }
@@ -88,6 +90,12 @@ nlsLocale* RealFile::locale(const std::string& name) {
     const nlsStatus status = nlsCreateLocale(open_.handle, name.c_str(), NLS_NO_COLLATION, nullptr, &made);
     if (status != NLS_OK) throw std::runtime_error("locale " + name + ": " + std::to_string(status));
     return made;
+}
+
+const nlsLocale* RealFile::find(const std::string& charset, const char* collation, const char* caseName) {
+    nlsLocale* made = nullptr;
+    const nlsStatus status = nlsCreateLocale(open_.handle, charset.c_str(), collation, caseName, &made);
+    return status == NLS_OK ? made : nullptr;
 }
 
 const nlsConversion* RealFile::find(const std::string& from, const std::string& to) {

@@ -47,6 +47,13 @@ public:
     // The pairs that have an entry of their own, in the order of the file.
     const std::vector<std::pair<std::string, std::string>>& pairs() const { return pairs_; }
 
+    // Charset and name of every collation, and of every case table.
+    const std::vector<std::pair<std::string, std::string>>& collations() const { return collations_; }
+    const std::vector<std::pair<std::string, std::string>>& caseTables() const { return caseTables_; }
+
+    // Null where the file has no such tables and none are derived.
+    const nlsLocale* find(const std::string& charset, const char* collation, const char* caseName);
+
     // Null where the library has no way from the one to the other.
     const nlsConversion* find(const std::string& from, const std::string& to);
     // The same, for a pair that must have one; the table is null for the identity.
@@ -60,7 +67,7 @@ private:
 
     test::OpenHandle open_;
     std::vector<Name> charsets_;
-    std::vector<std::pair<std::string, std::string>> pairs_;
+    std::vector<std::pair<std::string, std::string>> pairs_, collations_, caseTables_;
     std::map<std::pair<std::string, std::string>, const nlsConversion*> found_;
 };
 
