@@ -4,10 +4,14 @@
 
 #include <algorithm>
 
+#include "core/base/charset.hpp"
 #include "core/base/cpu.hpp"
 
 namespace nls {
 
+namespace {
+
+// Is no byte the first one of a longer character?
 bool announcesNothing(const nlsAttribStruct& attrib) {
     const auto* const part = reinterpret_cast<const unsigned char*>(attrib.lengthMap);
     __m128i all = _mm_setzero_si128();
@@ -17,6 +21,7 @@ bool announcesNothing(const nlsAttribStruct& attrib) {
     return _mm_movemask_epi8(_mm_cmpeq_epi8(trailCounts, _mm_setzero_si128())) == 0xFFFF;
 }
 
+// Writes the weights of single bytes up to the first expansion, and tells how many.
 std::size_t weighBytes(WeightMap weights, const unsigned char* bytes, std::size_t count, unsigned char* key) {
     constexpr uint64_t kLow = 0x0101010101010101, kHigh = 0x8080808080808080;
     std::size_t done = 0;
@@ -33,52 +38,56 @@ std::size_t weighBytes(WeightMap weights, const unsigned char* bytes, std::size_
     return done;
 }
 
-ByteKey::ByteKey(WeightMap weights, const nlsAttribStruct& attrib, unsigned char expansion, ByteSpan room)
-    : weights_(weights), charset_(attrib), expansion_(expansion), allSingle_(announcesNothing(attrib)), key_(room) {}
+}  // namespace
 
 void ByteKey::add(ByteView text) {
     ByteReader reader{text};
+    if (cpuLevel() >= CpuLevel::avx512) return addWide(reader);
+    const bool allSingle = announcesNothing(attrib_);
     while (!reader.atEnd() && !full()) {
-        if (allSingle_)
+        if (allSingle)
             addSingleBytes(reader);
         else
             addCharacter(reader);
     }
 }
 
-// As many bytes as weigh something, in one go.
+void ByteKey::addWide(ByteReader& text) {
+    while (!text.atEnd() && !full()) {
+        const Run run = weighAvx512({weights_, attrib_, expansion_}, {text.place(), text.left()},
+                                    {key_.place(), key_.room()}, secondNext_);
+        text.skip(run.consumed);
+        key_.advance(run.written);
+        if (!text.atEnd() && !full()) addCharacter(text);
+    }
+}
+
+// As many bytes as weigh something, in one go, and an expansion behind them.
 void ByteKey::addSingleBytes(ByteReader& text) {
     const std::size_t count = std::min(text.left(), key_.room());
-    const bool wide = cpuLevel() >= CpuLevel::avx512;
-    const std::size_t weighed = wide ? weighBytesAvx512(weights_, text.place(), count, key_.place())
-                                     : weighBytes(weights_, text.place(), count, key_.place());
+    const std::size_t weighed = weighBytes(weights_, text.place(), count, key_.place());
     text.skip(weighed);
     key_.advance(weighed);
-    if (weighed == count) return;
-    text.skip(1);
-    expand();
+    if (weighed != count) addCharacter(text);
 }
 
 void ByteKey::addCharacter(ByteReader& text) {
     const unsigned char byte = text.next();
     if (secondNext_) {
         secondNext_ = false;
-        return put(byte);
+        key_.put(byte);
+        return;
     }
     const unsigned char weight = weights_.entry(byte);
-    secondNext_ = charset_.trailCount(byte) != 0;
+    secondNext_ = Charset{attrib_}.trailCount(byte) != 0;
     if (weight == 0 && !secondNext_) return expand();
-    put(weight);
-}
-
-void ByteKey::put(unsigned char byte) {
-    holdsNul_ |= byte == 0;
-    key_.put(byte);
+    mayHoldNul_ |= weight == 0;
+    key_.put(weight);
 }
 
 void ByteKey::expand() {
-    put(expansion_);
-    put(expansion_);
+    key_.put(expansion_);
+    key_.put(expansion_);
 }
 
 }  // namespace nls

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "collation/weights.hpp"
-#include "core/base/charset.hpp"
+#include "conversion/run.hpp"
 #include "core/base/views.hpp"
 
 namespace nls {
@@ -15,36 +15,40 @@ namespace nls {
 class ByteKey {
 public:
     // `room` without the byte for the NUL. An expansion comes out as `expansion` twice.
-    ByteKey(WeightMap weights, const nlsAttribStruct& attrib, unsigned char expansion, ByteSpan room);
+    ByteKey(WeightMap weights, const nlsAttribStruct& attrib, unsigned char expansion, ByteSpan room)
+        : weights_(weights), attrib_(attrib), expansion_(expansion), mayHoldNul_(expansion == 0), key_(room) {}
 
     bool full() const { return key_.room() == 0; }
     std::size_t length() const { return key_.written(); }
-    bool holdsNul() const { return holdsNul_; }  // and ends there
+    bool mayHoldNul() const { return mayHoldNul_; }  // and end there
 
     // REQUIRES: no NUL in `text`.
     void add(ByteView text);
 
 private:
+    void addWide(ByteReader& text);
     void addSingleBytes(ByteReader& text);
-    void put(unsigned char byte);
     void addCharacter(ByteReader& text);
     void expand();
 
     WeightMap weights_;
-    Charset charset_;
+    const nlsAttribStruct& attrib_;
     unsigned char expansion_;
-    bool allSingle_;           // no byte announces another one
-    bool secondNext_ = false;  // the piece before ended behind a first byte
-    bool holdsNul_ = false;
+    bool secondNext_ = false;  // what came so far ends behind a first byte
+    bool mayHoldNul_;
     ByteWriter key_;
 };
 
-// Is no byte the first one of a longer character?
-bool announcesNothing(const nlsAttribStruct& attrib);
+// What the wide loop needs to know of a key.
+struct KeyWeights {
+    WeightMap weights;
+    const nlsAttribStruct& attrib;
+    unsigned char expansion;
+};
 
-// Writes the weights of bytes up to the first expansion, and tells how many. Behind them, within `count`, anything may be
-// written. The second wants a processor with AVX-512.
-std::size_t weighBytes(WeightMap weights, const unsigned char* bytes, std::size_t count, unsigned char* key);
-std::size_t weighBytesAvx512(WeightMap weights, const unsigned char* bytes, std::size_t count, unsigned char* key);
+// Weighs as far as text and room go. It may stop early at an expansion, or at a first byte that weighs 0: the next byte
+// is then to be added as a character. `secondNext`, in and out: does the text go on with a second byte?
+// REQUIRES: the processor has AVX-512.
+Run weighAvx512(const KeyWeights& by, ByteView text, ByteSpan room, bool& secondNext);
 
 }  // namespace nls

@@ -1,7 +1,7 @@
 #include "collation/byte_walk.hpp"
 
 #include "collation/equal_run.hpp"
-#include "collation/sjis_bridge.hpp"
+#include "core/base/cpu.hpp"
 
 namespace nls {
 
@@ -48,8 +48,8 @@ private:
     // Behind the first byte. A limit there is as good as a NUL.
     unsigned char pair(unsigned char lead, unsigned char weight) {
         const unsigned char trail = ended() ? 0 : *text_.place;
-        if (route_.bridge.isNull()) return hold(weight, trail);
-        const BridgedPair bridged = throughBridge(route_.bridge, lead, trail);
+        if (route_.bridge.changesNothing()) return hold(weight, trail);
+        const BridgedPair bridged = route_.bridge.cross(lead, trail);
         const unsigned char bridgedWeight = route_.weights.entry(bridged.first);
         if (!bridged.single) return hold(bridgedWeight, bridged.second);
         if (!ended()) ++text_.place;
@@ -70,32 +70,91 @@ bool isSecondByte(const ByteRoute& route, const unsigned char* start, std::size_
     return leads % 2 != 0;
 }
 
-// Equal bytes at the same place of characters are equal weights, through the bridge and in expansions too. REQUIRES: both
-// stand between characters.
-void skipEqualBytes(const ByteRoute& route, Weights& left, Weights& right) {
-    const Text a = left.rest(), b = right.rest();
-    std::size_t run = equalRun(a.place, b.place, leftInBoth(a, b));
-    if (run == 0) return;
-    left.skip(run);
-    right.skip(run);
-    if (left.ended() && right.ended()) return;
+// Equal bytes at the same place of characters are equal weights, through the bridge and in expansions too. Passes over
+// them as far as whole characters go, or to the end of both texts. REQUIRES: both stand between characters.
+void skipEqualBytes(const ByteRoute& route, Text& a, Text& b) {
+    const std::size_t most = leftInBoth(a, b);
+    const bool wide = cpuLevel() >= CpuLevel::avx512;
+    std::size_t run = wide ? equalRunAvx512(a.place, b.place, most) : equalRun(a.place, b.place, most);
+    const Text endA{a.place + run, a.limit}, endB{b.place + run, b.limit};
     // Back to the first byte of a character whose second bytes differ, or which one of the texts has lost to its end.
-    if (!isSecondByte(route, a.place, run)) return;
-    left.stepBack();
-    right.stepBack();
+    if (!(endA.atEnd() && endB.atEnd()) && isSecondByte(route, a.place, run)) --run;
+    a.place += run;
+    b.place += run;
+}
+
+// Are the first two bytes the same? With one alone no blocks are worth looking at. REQUIRES: neither has ended.
+bool beginAlike(Text a, Text b) {
+    if (*a.place != *b.place || a.place + 1 == a.limit || b.place + 1 == b.limit) return false;
+    return a.place[1] == b.place[1];
+}
+
+// What a step came to: the answer, or that both have moved on.
+enum class Step { before = -1, movedOn = 0, after = 1, unusual = 2 };
+
+Step stepOf(unsigned a, unsigned b) {
+    return static_cast<Step>(orderOf(a, b));
+}
+
+struct Character {
+    unsigned first;   // weight; 0 for what a step can't take: an expansion, a character that is cut off
+    unsigned second;  // its second byte, or kNoSecond
+    std::ptrdiff_t bytes;
+};
+constexpr unsigned kNoSecond = 256;
+
+// REQUIRES: the text hasn't ended.
+inline Character readCharacter(const ByteRoute& route, Text text) {
+    const unsigned char byte = *text.place;
+    const unsigned weight = route.weights.entry(byte);
+    if (weight == 0 || route.charset.trailCount(byte) == 0) return {weight, kNoSecond, 1};
+    if (Text{text.place + 1, text.limit}.atEnd()) return {0, kNoSecond, 1};
+    const unsigned char second = text.place[1];
+    if (route.bridge.changesNothing()) return {weight, second, 2};
+    const BridgedPair crossed = route.bridge.cross(byte, second);
+    return {route.weights.entry(crossed.first), crossed.single ? kNoSecond : crossed.second, 2};
+}
+
+// REQUIRES: both stand between characters, and neither has ended.
+Step stepOverCharacters(const ByteRoute& route, Text& a, Text& b) {
+    const Character ofA = readCharacter(route, a), ofB = readCharacter(route, b);
+    if (ofA.first == 0 || ofB.first == 0) return Step::unusual;
+    if (ofA.first != ofB.first) return stepOf(ofA.first, ofB.first);
+    if (ofA.second != ofB.second) {
+        // A second byte against the first one of the next character.
+        if (ofA.second == kNoSecond || ofB.second == kNoSecond) return Step::unusual;
+        return stepOf(ofA.second, ofB.second);
+    }
+    a.place += ofA.bytes;
+    b.place += ofB.bytes;
+    return Step::movedOn;
+}
+
+// Weight by weight, until both stand between characters again.
+Step stepOverWeights(const ByteRoute& route, Text& a, Text& b) {
+    Weights left{route, a}, right{route, b};
+    do {
+        const unsigned char ofA = left.next(), ofB = right.next();
+        if (ofA != ofB) return stepOf(ofA, ofB);
+    } while (!(left.betweenCharacters() && right.betweenCharacters()) && !left.ended() && !right.ended());
+    a = left.rest();
+    b = right.rest();
+    return Step::movedOn;
 }
 
 }  // namespace
 
 int compareByWeights(const ByteRoute& route, Text a, Text b) {
-    Weights left{route, a}, right{route, b};
-    for (;;) {
-        if (left.betweenCharacters() && right.betweenCharacters()) skipEqualBytes(route, left, right);
-        if (left.ended()) return onlyBlanksLeft(right.rest()) ? 0 : -1;
-        if (right.ended()) return onlyBlanksLeft(left.rest()) ? 0 : 1;
-        const unsigned char first = left.next(), second = right.next();
-        if (first != second) return first < second ? -1 : 1;
+    while (!a.atEnd() && !b.atEnd()) {
+        if (beginAlike(a, b)) {
+            skipEqualBytes(route, a, b);
+            if (a.atEnd() || b.atEnd()) break;
+        }
+        Step step = stepOverCharacters(route, a, b);
+        if (step == Step::unusual) step = stepOverWeights(route, a, b);
+        if (step != Step::movedOn) return static_cast<int>(step);
     }
+    return decideAtEnd(a, b);
 }
 
 }  // namespace nls

@@ -2,9 +2,9 @@
 // Tested by tests/collation/byte_walk_test.cpp against tests/reference/compare.hpp.
 #pragma once
 
+#include "collation/sjis_bridge.hpp"
 #include "collation/text.hpp"
 #include "collation/weights.hpp"
-#include "convmap/conv_table.hpp"
 #include "core/base/charset.hpp"
 
 namespace nls {
@@ -12,7 +12,7 @@ namespace nls {
 struct ByteRoute {
     WeightMap weights;
     Charset charset;
-    ConvTable bridge;  // pairs go through it; null: they are compared as they stand
+    SjisBridge bridge;
 };
 
 // -1, 0 or 1.

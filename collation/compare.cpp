@@ -14,11 +14,11 @@ namespace {
 Compared compareByTables(const Collation& by, Text a, Text b, uint16_t mode) {
     if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
     const Charset charset{by.attrib};
-    ByteRoute route{WeightMap::of(by.coll, mode), charset, ConvTable{nullptr}};
+    ByteRoute route{WeightMap::of(by.coll, mode), charset, SjisBridge{nullptr}};
     if (charset.comparesViaSjis()) {
         const SjisHandles sjis = findSjisHandles(by.locale);
         if (sjis.status != NLS_OK) return {sjis.status, 0};
-        route.bridge = ConvTable{sjis.conversion->table};
+        route.bridge = SjisBridge{sjis.conversion->table};
     }
     return {NLS_OK, compareByWeights(route, a, b)};
 }
@@ -28,7 +28,8 @@ HookText hookText(Text text) {
     return HookText{text.place, static_cast<std::size_t>(text.limit - text.place)};
 }
 
-Compared compareByHook(const Collation& by, Text a, Text b, uint16_t mode) {
+// Out of line, so that the other routes needn't make room for its copies.
+[[gnu::noinline]] Compared compareByHook(const Collation& by, Text a, Text b, uint16_t mode) {
     const HookText first = hookText(a), second = hookText(b);
     const nlsHandle* const handle = by.locale.owner;
     return {NLS_OK, UserSortComp(first.get(), second.get(), by.coll.foldMap, by.coll.exactMap, mode,

@@ -26,6 +26,12 @@ inline std::size_t leftInPage(const unsigned char* place) {
     return kSmallestPage - (reinterpret_cast<std::uintptr_t>(place) & (kSmallestPage - 1));
 }
 
+// Do `block` bytes from both places on lie in one page each? The answer may be no where it could be yes.
+inline bool blockInPage(const unsigned char* a, const unsigned char* b, std::size_t block) {
+    const auto places = reinterpret_cast<std::uintptr_t>(a) | reinterpret_cast<std::uintptr_t>(b);
+    return (places & (kSmallestPage - 1)) <= kSmallestPage - block;
+}
+
 // Bytes up to the nearer limit; as good as endless without limits.
 inline std::size_t leftInBoth(Text a, Text b) {
     const auto left = [](Text text) {
@@ -54,5 +60,8 @@ NLS_READS_WHOLE_BLOCKS inline std::size_t equalRun(const unsigned char* a, const
     }
     return most;
 }
+
+// The same in blocks of 64. REQUIRES: the processor has AVX-512.
+std::size_t equalRunAvx512(const unsigned char* a, const unsigned char* b, std::size_t most);
 
 }  // namespace nls

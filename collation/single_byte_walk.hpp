@@ -11,10 +11,6 @@
 
 namespace nls {
 
-inline int orderOf(unsigned a, unsigned b) {
-    return int{a > b} - int{a < b};
-}
-
 // Not 0: the first pair of bytes decides. Else nothing is known yet.
 inline int decidedByFirstPair(WeightMap weights, const unsigned char* a, const unsigned char* b) {
     const unsigned byteA = *a, byteB = *b, ofA = weights.entry(*a), ofB = weights.entry(*b);
@@ -29,11 +25,5 @@ int compareSingleBytes(WeightMap weights, Text a, Text b);
 // The two ways to do that: any processor; AVX-512.
 int compareSingleBytesPlain(WeightMap weights, Text a, Text b);
 int compareSingleBytesAvx512(WeightMap weights, Text a, Text b);
-
-// One of the texts has ended.
-inline int decideAtEnd(Text a, Text b) {
-    if (a.atEnd()) return onlyBlanksLeft(b) ? 0 : -1;
-    return onlyBlanksLeft(a) ? 0 : 1;
-}
 
 }  // namespace nls

@@ -10,12 +10,6 @@ namespace {
 
 constexpr std::size_t kBlock = 64;
 
-// Do 64 bytes from `place` on lie in one page? For two places at once the answer may be no where it could be yes.
-inline bool blockInPage(const unsigned char* a, const unsigned char* b) {
-    const auto places = reinterpret_cast<std::uintptr_t>(a) | reinterpret_cast<std::uintptr_t>(b);
-    return (places & (kSmallestPage - 1)) <= kSmallestPage - kBlock;
-}
-
 // Lanes in which a text ends, or in which the bytes differ and don't weigh the same. An expansion weighs nothing.
 NLS_TARGET_AVX512 inline __mmask64 stopsOf(const WeightRows& rows, __m512i a, __m512i b) {
     const __m512i weightsA = weigh(rows, a), weightsB = weigh(rows, b);
@@ -45,7 +39,7 @@ inline bool passExpansion(WeightMap weights, Text& a, Text& b) {
 NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareSingleBytesAvx512(WeightMap weights, Text a, Text b) {
     while (a.place != a.limit && b.place != b.limit) {
         std::size_t count = std::min(leftInBoth(a, b), kBlock);
-        if (!blockInPage(a.place, b.place)) [[unlikely]]
+        if (!blockInPage(a.place, b.place, kBlock)) [[unlikely]]
             count = std::min({count, leftInPage(a.place), leftInPage(b.place)});
         const __mmask64 all = firstLanes(count);
         const __m512i bytesA = _mm512_maskz_loadu_epi8(all, a.place), bytesB = _mm512_maskz_loadu_epi8(all, b.place);

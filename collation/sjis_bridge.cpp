@@ -49,9 +49,9 @@ SjisHandles findSjisHandles(const nlsLocale& locale) {
     return {NLS_OK, sjis->attrib, conversion};
 }
 
-BridgedPair throughBridge(ConvTable table, unsigned char first, unsigned char second) {
+BridgedPair SjisBridge::throughTable(unsigned char first, unsigned char second) const {
     unsigned char pair[2] = {first, second};
-    const EngineAnswer answer = convert(table, {ByteSpan{pair}, ByteView{pair}, {}});
+    const EngineAnswer answer = convert(table_, {ByteSpan{pair}, ByteView{pair}, {}});
     return {pair[0], pair[1], answer.length == 1};
 }
 

@@ -37,7 +37,7 @@ std::size_t lengthOf(ByteSpan key) {
 
 // The text on its way through the bridge, in pieces, so that no key has to hold it. A piece that ends inside a character
 // is made shorter by as much.
-nlsStatus addBridged(ByteKey& key, ConvTable bridge, ByteView text) {
+[[gnu::noinline]] nlsStatus addBridged(ByteKey& key, ConvTable bridge, ByteView text) {
     constexpr std::size_t kPiece = 256, kLongestRest = 3;
     unsigned char converted[2 * kPiece];
     while (!text.empty() && !key.full()) {
@@ -80,7 +80,7 @@ SortKey keyByTables(const Collation& by, ByteView text, ByteSpan room, KeyOption
         return {bad, 0};
     room[key.length()] = 0;
     ByteSpan written = room.first(key.length());
-    if (key.holdsNul()) written = written.first(lengthOf(written));
+    if (key.mayHoldNul()) written = written.first(lengthOf(written));
     if (basic && options.trim) {
         const ByteSpan kept = withoutBlanksAtEnd(written);
         std::fill(written.begin() + static_cast<std::ptrdiff_t>(kept.size()), written.end(), 0);
@@ -89,7 +89,9 @@ SortKey keyByTables(const Collation& by, ByteView text, ByteSpan room, KeyOption
     return {NLS_OK, written.size()};
 }
 
-SortKey keyByHook(const Collation& by, const unsigned char* src, ByteView text, ByteSpan key, uint16_t mode) {
+// Out of line, so that the other routes needn't make room for its copy.
+[[gnu::noinline]] SortKey keyByHook(const Collation& by, const unsigned char* src, ByteView text, ByteSpan key,
+                                    uint16_t mode) {
     const nlsHandle* const handle = by.locale.owner;
     const bool trimmed = src[text.size()] != 0;
     const HookText seen = trimmed ? HookText{src, text.size()} : HookText{src};

@@ -22,4 +22,15 @@ inline bool onlyBlanksLeft(Text text) {
     return text.atEnd();
 }
 
+// -1, 0 or 1.
+inline int orderOf(unsigned a, unsigned b) {
+    return int{a > b} - int{a < b};
+}
+
+// One of the texts has ended.
+inline int decideAtEnd(Text a, Text b) {
+    if (a.atEnd()) return onlyBlanksLeft(b) ? 0 : -1;
+    return onlyBlanksLeft(a) ? 0 : 1;
+}
+
 }  // namespace nls
