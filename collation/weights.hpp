@@ -18,7 +18,7 @@ public:
 
     // 0 for an expansion.
     unsigned char entry(unsigned char byte) const { return entries_[byte]; }
-    unsigned char ofLetterS() const { return entries_['s']; }
+    unsigned char ofLetterS() const { return entries_[unsigned{'s'}]; }
     const unsigned char* entries() const { return entries_; }
 
 private:

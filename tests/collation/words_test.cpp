@@ -202,7 +202,8 @@ TEST_F(WordsOfALocale, KindsFlagsAndMissingTables) {
         uint32_t needed = 77;
         EXPECT_EQ(nlsIsSortNeeded(made.get(), nullptr, &needed), row.status) << int{row.kind};
         EXPECT_EQ(needed, row.needed) << int{row.kind};
-        cursor = bytesOf("ap,");
+        const std::string text = "ap,";
+        cursor = bytesOf(text);
         EXPECT_EQ(next(made.get(), 9), NLS_OK);
         EXPECT_EQ(word(9), row.firstWord) << int{row.kind};
     }

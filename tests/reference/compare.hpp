@@ -33,7 +33,7 @@ struct Side {
     bool ended() const { return cursor == limit || *cursor == 0; }
 
     unsigned char weight(const ByteOrder& order) {
-        const unsigned char ofS = order.map['s'];
+        const unsigned char ofS = order.map[unsigned{'s'}];
         if (mark == secondS) {
             mark = none;
             return ofS;
@@ -104,7 +104,7 @@ inline std::string key(const ByteOrder& order, bool basic, bool trim, std::strin
             key.push_back(static_cast<char>(weight));
             if (++i < end) key.push_back(text[i]);
         } else {
-            key.append(weight == 0 ? 2 : 1, static_cast<char>(weight != 0 ? weight : basic ? 0x53 : order.map['s']));
+            key.append(weight == 0 ? 2 : 1, static_cast<char>(weight != 0 ? weight : basic ? 0x53 : order.map[unsigned{'s'}]));
         }
     }
     key.resize(std::min(key.size(), room));
