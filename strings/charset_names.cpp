@@ -1,5 +1,6 @@
 #include "strings/charset_names.hpp"
 
+#include "collation/compare.hpp"
 #include "core/base/names.hpp"
 
 namespace nls {
@@ -32,6 +33,17 @@ const char* canonicalCharsetName(const char* name) {
         if (sameName(*entry, name)) return *entry;
     }
     return nullptr;
+}
+
+FoundName canonicalCharsetNameUnder(const nlsLocale& locale, const char* name) {
+    constexpr uint16_t kFolded = 0;
+    const auto textOf = [](const char* bytes) { return Text::of(reinterpret_cast<const unsigned char*>(bytes), -1); };
+    for (const char* const* entry = zelCharset; *entry != nullptr; ++entry) {
+        const Compared compared = compareTexts(locale, nullptr, textOf(name), textOf(*entry), kFolded);
+        if (compared.status != NLS_OK) return {compared.status, nullptr};
+        if (static_cast<uint16_t>(compared.sign) == 0) return {NLS_OK, *entry};
+    }
+    return {NLS_END_OF_STRING, nullptr};
 }
 
 }  // namespace nls

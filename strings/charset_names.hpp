@@ -2,7 +2,8 @@
 // Tested by tests/strings/charset_names_test.cpp.
 #pragma once
 
-#include "nls/base.h"
+#include "nls/records.h"
+#include "nls/status.h"
 
 namespace nls {
 
@@ -11,5 +12,13 @@ extern const char* const zelCharset[];
 
 // The canonical name that is `name` but for case and trailing blanks; null if there is none.
 const char* canonicalCharsetName(const char* name);
+
+struct FoundName {
+    nlsStatus status;
+    const char* canonical;  // null with any status but NLS_OK
+};
+// The first canonical name that equals `name` under the folding map of a locale's collation. NLS_END_OF_STRING if there
+// is none, and what comparing under the locale answers. REQUIRES: the locale has an attribute table and a collation.
+FoundName canonicalCharsetNameUnder(const nlsLocale& locale, const char* name);
 
 }  // namespace nls

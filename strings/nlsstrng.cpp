@@ -151,11 +151,15 @@ nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock*, const nlsStr* from
 
 namespace {
 
-// The look-up under a locale's folding collation. No locale carries a collation that compares yet, so each answers as
-// one without a collation does.
-nlsStatus canonicalUnderLocale(const nlsLocale* locale) {
-    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
-    return locale->attrib == nullptr ? NLS_NO_ATTRIB : NLS_BAD_COLLATION;
+nls::FoundName findCanonical(const nlsLocale* locale, const char* name) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return {bad, nullptr};
+    if (locale->attrib == nullptr) return {NLS_NO_ATTRIB, nullptr};
+    if (locale->coll == nullptr) return {NLS_BAD_COLLATION, nullptr};
+    return nls::canonicalCharsetNameUnder(*locale, name);
+}
+nls::FoundName findCanonical(const char* name) {
+    const char* const found = nls::canonicalCharsetName(name);
+    return {found == nullptr ? NLS_END_OF_STRING : NLS_OK, found};
 }
 
 }  // namespace
@@ -168,9 +172,7 @@ nlsStatus nlsGetOSCharset(char* name) {
 
 nlsStatus nlsGetZelCharset(const void* useLocale, const nlsLocale* locale, const char* name, char* canonical) {
     if (name == nullptr || canonical == nullptr) return NLS_BAD_ARG;
-    if (useLocale != nullptr) return canonicalUnderLocale(locale);
-    const char* const found = nls::canonicalCharsetName(name);
-    if (found == nullptr) return NLS_END_OF_STRING;
-    std::strcpy(canonical, found);
-    return NLS_OK;
+    const nls::FoundName found = useLocale != nullptr ? findCanonical(locale, name) : findCanonical(name);
+    if (found.status == NLS_OK) std::strcpy(canonical, found.canonical);
+    return found.status;
 }

@@ -154,7 +154,7 @@ NLS_API nlsStatus nlsGetOSCharset(char* name);
    With a null `useLocale` names compare without regard to case (by the C library's table of the process's locale) and
    to trailing blanks, and `locale` isn't looked at. With any other `useLocale`, which is tested for null alone, they
    compare under the folding collation of `locale`: after NLS_BAD_ARG come NLS_BAD_HANDLE, NLS_BAD_LOCALE, NLS_NO_ATTRIB
-   (27) and NLS_BAD_COLLATION (25) for a locale without a collation. */
+   (27), NLS_BAD_COLLATION (25) for a locale without a collation, and what else nlsCompare answers. */
 NLS_API nlsStatus nlsGetZelCharset(const void* useLocale, const nlsLocale* locale, const char* name, char* canonical);
 
 NLS_END_DECLS

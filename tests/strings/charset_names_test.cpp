@@ -7,6 +7,7 @@
 
 #include "nls/status.h"
 #include "nls/strings.h"
+#include "tests/support/hand_collations.hpp"
 
 namespace {
 
@@ -29,6 +30,30 @@ TEST(CharsetNames, WhatIsNotFoundWritesNothing) {
         EXPECT_EQ(nlsGetZelCharset(nullptr, nullptr, name, canonical), NLS_END_OF_STRING) << name;
     }
     EXPECT_STREQ(canonical, "#");
+}
+
+// Under a locale its collation decides, and nothing else: the folded map, blanks at the end, the first name that is equal.
+TEST(CharsetNames, UnderALocaleItsCollationDecides) {
+    nls::test::CollatedLocale locale{nls::test::singleByteCharset(), nls::test::plainCollation()};
+    char canonical[NLS_CHARSET_NAME_SIZE] = "#";
+    const auto find = [&](const char* name) { return nlsGetZelCharset("any", locale.get(), name, canonical); };
+    for (const char* name : {"", "UTF", "UTF-80", " UTF-8"}) EXPECT_EQ(find(name), NLS_END_OF_STRING) << name;
+    EXPECT_STREQ(canonical, "#");
+    for (const char* const* entry = nls::zelCharset; *entry != nullptr; ++entry) {
+        std::string lower = std::string(*entry) + "  ";
+        for (char& letter : lower) letter = static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter + 32 : letter);
+        EXPECT_EQ(find(lower.c_str()), NLS_OK);
+        EXPECT_STREQ(canonical, *entry);
+    }
+    for (const unsigned char digit : std::string("0123456789")) locale.coll().foldMap[digit] = '0';
+    EXPECT_EQ(find("UTF-9"), NLS_OK);
+    EXPECT_STREQ(canonical, "UTF-8");
+    EXPECT_EQ(find("999"), NLS_OK);
+    EXPECT_STREQ(canonical, "709");
+
+    nls::test::CollatedLocale bridged{nls::test::eucCharset(), nls::test::plainCollation()};
+    EXPECT_EQ(nlsGetZelCharset("any", bridged.get(), "UTF-8", canonical), NLS_NO_SJIS) << "a comparison that fails";
+    EXPECT_STREQ(canonical, "709");
 }
 
 TEST(CharsetNames, TheSystemsCharset) {
