@@ -95,7 +95,9 @@ NLS_API nlsStatus getSjisHandles(const nlsLocale* locale);
    a byte of weight 0 that is also the first byte of a longer character (it ends the key); the basic table where "s"
    doesn't weigh 0x53, or where anything but the blank weighs 0x20; a byte that weighs less than the blank, against a
    blank at the end of the other text; a blank that stands as the second byte of a character at the end of a text; a
-   character cut off by the end of a text that goes through Shift-JIS.
+   character cut off by the end of a text that goes through Shift-JIS; kind 3 in mode 0 where a text isn't well-formed
+   UTF-8, or where the locale has no Unicode case table: the comparison then folds nothing, and the key is what
+   nlsLowerCase makes of the text.
 
    In this order: NLS_BAD_HANDLE, NLS_BAD_LOCALE, NLS_NO_ATTRIB, NLS_BAD_COLLATION, NLS_BAD_ARG (a null `src`, `key` or
    `keyLen`) as in nlsCompare; then what getSortKey answers; NLS_BUF_SMALL (2) if a site's sort filled the buffer and
