@@ -7,6 +7,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <numeric>
@@ -32,21 +33,24 @@ constexpr std::size_t kRows = 200'000;
 // Strings one behind the other, each with its NUL, as rows stand in a page.
 class Rows {
 public:
-    void add(std::string_view text) {
-        starts_.push_back(block_.size());
-        block_.append(text);
-        block_.push_back('\0');
+    explicit Rows(const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) block_.append(text).push_back('\0');
+        const char* place = block_.data();
+        for (const std::string& text : texts) {
+            views_.emplace_back(place, text.size());
+            place += text.size() + 1;
+        }
     }
-    std::string_view operator[](std::size_t i) const {
-        const std::size_t end = i + 1 == starts_.size() ? block_.size() : starts_[i + 1];
-        return {block_.data() + starts_[i], end - starts_[i] - 1};
-    }
-    std::size_t count() const { return starts_.size(); }
-    std::size_t bytes() const { return block_.size() - starts_.size(); }
+    Rows(const Rows&) = delete;
+    Rows& operator=(const Rows&) = delete;
+
+    std::string_view operator[](std::size_t i) const { return views_[i]; }
+    std::size_t count() const { return views_.size(); }
+    std::size_t bytes() const { return block_.size() - views_.size(); }
 
 private:
     std::string block_;
-    std::vector<std::size_t> starts_;
+    std::vector<std::string_view> views_;
 };
 
 // A charset, its collation, and what the peers need.
@@ -60,33 +64,38 @@ struct Charset {
 };
 
 // The same texts in the charset and in UTF-8.
+using Pairs = std::vector<std::pair<std::size_t, std::size_t>>;
+
+std::vector<std::string> inCharset(const Charset& charset, const std::vector<std::string>& utf8) {
+    const nls::bench::Iconv iconv("UTF-8", charset.iconvName);
+    std::vector<std::string> own;
+    for (const std::string& text : utf8) own.push_back(iconv.convert(text));
+    return own;
+}
+
+// Pairs of rows, beside each other in the order in which they are compared.
+std::vector<std::string> paired(const Rows& rows, const Pairs& pairs) {
+    std::vector<std::string> texts;
+    for (const auto& [a, b] : pairs) {
+        texts.emplace_back(rows[a]);
+        texts.emplace_back(rows[b]);
+    }
+    return texts;
+}
+
 struct Texts {
     Rows own, utf8;
 
-    Texts(const Charset& charset, const std::vector<std::string>& all) {
-        const nls::bench::Iconv iconv("UTF-8", charset.iconvName);
-        for (const std::string& text : all) {
-            utf8.add(text);
-            own.add(iconv.convert(text));
-        }
-    }
-    // Pairs of rows, beside each other in the order in which they are compared.
-    Texts(const Texts& rows, const std::vector<std::pair<std::size_t, std::size_t>>& pairs) {
-        for (const auto& [a, b] : pairs)
-            for (const std::size_t row : {a, b}) {
-                utf8.add(rows.utf8[row]);
-                own.add(rows.own[row]);
-            }
-    }
+    Texts(const Charset& charset, const std::vector<std::string>& all) : own(inCharset(charset, all)), utf8(all) {}
+    Texts(const Texts& rows, const Pairs& pairs) : own(paired(rows.own, pairs)), utf8(paired(rows.utf8, pairs)) {}
 };
-using Pairs = std::vector<std::pair<std::size_t, std::size_t>>;
 
-int compareOurs(const Charset& charset, std::string_view a, std::string_view b, uint16_t mode) {
+inline int compareOurs(const nlsLocale* locale, std::string_view a, std::string_view b, uint16_t mode) {
     uint16_t result = 0;
-    if (nlsCompareN(charset.locale->get(), nullptr, reinterpret_cast<const unsigned char*>(a.data()),
+    if (nlsCompareN(locale, nullptr, reinterpret_cast<const unsigned char*>(a.data()),
                     reinterpret_cast<const unsigned char*>(b.data()), static_cast<int32_t>(a.size()),
                     static_cast<int32_t>(b.size()), mode, &result) != NLS_OK)
-        nls::bench::giveUp("a comparison failed");
+        std::abort();
     return static_cast<int16_t>(result);
 }
 
@@ -131,18 +140,20 @@ void comparePairs(const Charset& charset, const Texts& texts, const char* kind, 
     const auto pairs = std::make_shared<const Texts>(texts, which);
     for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
         const Candidate ours = overPairs(
-            "nls", pairs, &Texts::own,
-            [&charset, mode](std::string_view a, std::string_view b) { return compareOurs(charset, a, b, mode); });
+            "nls", pairs, &Texts::own, [locale = charset.locale->get(), mode](std::string_view a, std::string_view b) {
+                return compareOurs(locale, a, b, mode);
+            });
         besideEach(std::string{kind} + (mode == 0 ? ", folded" : ", exact"), charset.label, pairs->own.bytes(),
                    which.size(), ours, peersOf(charset, pairs, mode));
     }
 }
 
 std::vector<std::size_t> sortedRows(const Charset& charset, const Texts& texts) {
+    const nlsLocale* const locale = charset.locale->get();
     std::vector<std::size_t> rows(kRows);
     std::iota(rows.begin(), rows.end(), std::size_t{0});
     std::sort(rows.begin(), rows.end(),
-              [&](std::size_t a, std::size_t b) { return compareOurs(charset, texts.own[a], texts.own[b], 0) < 0; });
+              [&](std::size_t a, std::size_t b) { return compareOurs(locale, texts.own[a], texts.own[b], 0) < 0; });
     return rows;
 }
 
@@ -230,18 +241,18 @@ Candidate sorting(const char* name, Less less) {
 template <typename Key>
 Candidate sortingByKeys(const char* name, Key key) {
     return {name, [key] {
-                constexpr std::size_t kRoom = 512;
-                std::vector<unsigned char> keys;
-                std::vector<std::size_t> places;
+                constexpr std::size_t kRoom = 512, kMean = 160;
+                const std::unique_ptr<unsigned char[]> keys{new unsigned char[kRows * kMean + kRoom]};
+                std::vector<const char*> places;
+                places.reserve(kRows);
+                std::size_t used = 0;
                 for (std::size_t i = 0; i < kRows; ++i) {
-                    places.push_back(keys.size());
-                    keys.resize(places.back() + kRoom);
-                    keys.resize(places.back() + key(i, keys.data() + places.back(), kRoom) + 1);
+                    if (used > kRows * kMean) nls::bench::giveUp("longer keys than there is room for");
+                    places.push_back(reinterpret_cast<const char*>(keys.get() + used));
+                    used += key(i, keys.get() + used, kRoom) + 1;
                 }
-                std::sort(places.begin(), places.end(), [&](std::size_t a, std::size_t b) {
-                    return std::strcmp(reinterpret_cast<const char*>(&keys[a]),
-                                       reinterpret_cast<const char*>(&keys[b])) < 0;
-                });
+                std::sort(places.begin(), places.end(),
+                          [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
             }};
 }
 
@@ -251,8 +262,8 @@ void compareSorting(const Charset& charset, const std::shared_ptr<const Texts>& 
     for (std::size_t i = 0; i < kRows; ++i) utf16->push_back(nls::bench::utf16Of(std::string{texts->utf8[i]}));
     nls::bench::compare("sorting by comparison", charset.label, texts->own.bytes() / 3, kRows,
                         {sorting("nls",
-                                 [&charset, texts](uint32_t a, uint32_t b) {
-                                     return compareOurs(charset, texts->own[a], texts->own[b], 0) < 0;
+                                 [locale = charset.locale->get(), texts](uint32_t a, uint32_t b) {
+                                     return compareOurs(locale, texts->own[a], texts->own[b], 0) < 0;
                                  }),
                          sorting("ICU", [icu, texts](uint32_t a, uint32_t b) {
                              return icu->compare(texts->utf8[a], texts->utf8[b]) < 0;

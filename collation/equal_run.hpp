@@ -26,10 +26,9 @@ inline std::size_t leftInPage(const unsigned char* place) {
     return kSmallestPage - (reinterpret_cast<std::uintptr_t>(place) & (kSmallestPage - 1));
 }
 
-// Do `block` bytes from both places on lie in one page each? The answer may be no where it could be yes.
-inline bool blockInPage(const unsigned char* a, const unsigned char* b, std::size_t block) {
-    const auto places = reinterpret_cast<std::uintptr_t>(a) | reinterpret_cast<std::uintptr_t>(b);
-    return (places & (kSmallestPage - 1)) <= kSmallestPage - block;
+// Bytes from both places that lie in one page each: at least 1.
+inline std::size_t leftInBothPages(const unsigned char* a, const unsigned char* b) {
+    return std::min(leftInPage(a), leftInPage(b));
 }
 
 // Bytes up to the nearer limit; as good as endless without limits.
@@ -45,7 +44,7 @@ NLS_READS_WHOLE_BLOCKS inline std::size_t equalRun(const unsigned char* a, const
     constexpr std::size_t kBlock = 16;
     std::size_t done = 0;
     while (done < most) {
-        if (std::min(leftInPage(a + done), leftInPage(b + done)) < kBlock) {
+        if (leftInBothPages(a + done, b + done) < kBlock) {
             if (a[done] != b[done] || a[done] == 0) return done;
             ++done;
             continue;

@@ -9,9 +9,7 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS std::size_t equalRunAvx512(const unsign
                                                                     std::size_t most) {
     constexpr std::size_t kBlock = 64;
     for (std::size_t done = 0; done < most;) {
-        std::size_t count = std::min(most - done, kBlock);
-        if (!blockInPage(a + done, b + done, kBlock)) [[unlikely]]
-            count = std::min({count, leftInPage(a + done), leftInPage(b + done)});
+        const std::size_t count = std::min({most - done, leftInBothPages(a + done, b + done), kBlock});
         const __mmask64 all = firstLanes(count);
         const __m512i ofA = _mm512_maskz_loadu_epi8(all, a + done), ofB = _mm512_maskz_loadu_epi8(all, b + done);
         const __m512i same = _mm512_maskz_mov_epi8(_mm512_cmpeq_epi8_mask(ofA, ofB), ofA);

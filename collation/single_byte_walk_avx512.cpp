@@ -18,29 +18,21 @@ NLS_TARGET_AVX512 inline __mmask64 stopsOf(const WeightRows& rows, __m512i a, __
     return ends | (decides & _mm512_cmpneq_epi8_mask(a, b));
 }
 
-// Passes over an expansion in one text and two letters s in the other. False, and nothing passed, for anything else.
-inline bool passExpansion(WeightMap weights, Text& a, Text& b) {
-    const bool inA = weights.entry(*a.place) == 0;
-    Text& expansion = inA ? a : b;
-    Text& letters = inA ? b : a;
+// Does one text go on with an expansion where the other has the two letters that it counts as?
+inline bool weighsAsLetters(WeightMap weights, Text expansion, Text letters) {
     const Text second{letters.place + 1, letters.limit};
+    if (letters.atEnd() || second.atEnd() || expansion.atEnd()) return false;
     const unsigned char ofS = weights.ofLetterS();
-    if (expansion.atEnd() || letters.atEnd() || second.atEnd() || ofS == 0) return false;
-    if (weights.entry(*expansion.place) != 0) return false;
-    if (weights.entry(*letters.place) != ofS || weights.entry(*second.place) != ofS) return false;
-    expansion.place += 1;
-    letters.place += 2;
-    return true;
+    return ofS != 0 && weights.entry(*expansion.place) == 0 && weights.entry(*letters.place) == ofS &&
+           weights.entry(*second.place) == ofS;
 }
 
 }  // namespace
 
-// Calls nothing that comes back, so that a short text needs no frame.
+// Calls nothing that comes back, and takes the address of nothing, so that a short text needs no frame.
 NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareSingleBytesAvx512(WeightMap weights, Text a, Text b) {
     while (a.place != a.limit && b.place != b.limit) {
-        std::size_t count = std::min(leftInBoth(a, b), kBlock);
-        if (!blockInPage(a.place, b.place, kBlock)) [[unlikely]]
-            count = std::min({count, leftInPage(a.place), leftInPage(b.place)});
+        const std::size_t count = std::min({leftInBoth(a, b), leftInBothPages(a.place, b.place), kBlock});
         const __mmask64 all = firstLanes(count);
         const __m512i bytesA = _mm512_maskz_loadu_epi8(all, a.place), bytesB = _mm512_maskz_loadu_epi8(all, b.place);
         // A lane of which both bytes are the same, else 0: the NUL is as good as a difference.
@@ -51,17 +43,21 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareSingleBytesAvx512(WeightMap 
             if (const int decided = decidedByFirstPair(weights, a.place + first, b.place + first)) return decided;
             // No more than a difference in case, most likely: the next stop is looked for by weights.
             stops = all & stopsOf(rowsOf(weights), bytesA, bytesB);
-            if (stops != 0) {
-                const std::size_t next = _tzcnt_u64(stops);
-                if (const int decided = decidedByFirstPair(weights, a.place + next, b.place + next)) return decided;
-                a.place += next;
-                b.place += next;
-                if (!passExpansion(weights, a, b)) return compareSingleBytesPlain(weights, a, b);
-                continue;
-            }
         }
-        a.place += count;
-        b.place += count;
+        const std::size_t passed = stops != 0 ? _tzcnt_u64(stops) : count;
+        a.place += passed;
+        b.place += passed;
+        if (stops == 0) continue;
+        if (const int decided = decidedByFirstPair(weights, a.place, b.place)) return decided;
+        if (weighsAsLetters(weights, a, b)) {
+            a.place += 1;
+            b.place += 2;
+        } else if (weighsAsLetters(weights, b, a)) {
+            a.place += 2;
+            b.place += 1;
+        } else {  // an end, or an expansion that meets something else
+            return compareSingleBytesPlain(weights, a, b);
+        }
     }
     return decideAtEnd(a, b);
 }

@@ -104,7 +104,9 @@ inline std::string key(const ByteOrder& order, bool basic, bool trim, std::strin
             key.push_back(static_cast<char>(weight));
             if (++i < end) key.push_back(text[i]);
         } else {
-            key.append(weight == 0 ? 2 : 1, static_cast<char>(weight != 0 ? weight : basic ? 0x53 : order.map[unsigned{'s'}]));
+            key.append(weight == 0 ? 2 : 1, static_cast<char>(weight != 0 ? weight
+                                                              : basic     ? 0x53
+                                                                          : order.map[unsigned{'s'}]));
         }
     }
     key.resize(std::min(key.size(), room));
