@@ -1,5 +1,5 @@
 // The order of byte tables with characters of two bytes: the first pair of weights that differ decides.
-// Tested by tests/collation/byte_walk_test.cpp against tests/reference/compare.hpp.
+// Tested by tests/collation/compare_test.cpp against tests/reference/compare.hpp.
 #pragma once
 
 #include "collation/sjis_bridge.hpp"

@@ -1,5 +1,5 @@
 // Comparing through Shift-JIS: a Japanese charset that spells the same characters otherwise sorts as Shift-JIS does.
-// Tested by tests/collation/sjis_bridge_test.cpp.
+// Tested by tests/collation/compare_test.cpp.
 #pragma once
 
 #include "conversion/jis.hpp"
