@@ -27,7 +27,7 @@ ARROWS = {
     "conversion": {"include", "core/base", "convmap/conv_table.hpp", "convmap/dbcs_index.hpp"},
     "collation": {"include", "core/base", "chars", "conversion", "convmap/conv_table.hpp", "convmap/case_pages.hpp"},
     "strings": {"include", "core/base", "chars", "collation", "conversion", "convmap/case_pages.hpp"},
-    "tools/mkconvmap": CLIENT | {"core/base", "convmap"},
+    "tools/mkconvmap": CLIENT | {"core/base", "convmap", "collation/coll_kind.hpp"},
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
     "bench": CLIENT | {"core/base/cpu.hpp", "tests/support"},
     "fuzz": CLIENT | {"core/base", "tests/support"},

@@ -28,10 +28,11 @@ TEST_F(MkconvmapCommand, WritesTheFileAndTellsWhatItHolds) {
     EXPECT_EQ(answer.exit, 0) << answer.err;
     EXPECT_TRUE(
         (answer.out + answer.err)
-            .starts_with("4 entries: 2 attribute tables, 2 conversions, 0 collations, 0 case tables; 1 without a record, "
-                         "0 with a shared one\n"
-                         "3904 bytes: contents 256, attribute tables 3104, conversion records 528, arrays 0, "
-                         "collations 0, case tables 0\n"));
+            .starts_with(
+                "4 entries: 2 attribute tables, 2 conversions, 0 collations, 0 case tables; 1 without a record, "
+                "0 with a shared one\n"
+                "3904 bytes: contents 256, attribute tables 3104, conversion records 528, arrays 0, "
+                "collations 0, case tables 0\n"));
     EXPECT_EQ(folder_.get("listing.txt"),
               "kind        name                to                   raw   offset   bytes   arena\n"
               "attributes  UTF-8                                     10      272   1552      792\n"

@@ -5,18 +5,12 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 #include <vector>
 
 #include "tools/mkconvmap/compile.hpp"
+#include "tools/mkconvmap/read_back_error.hpp"
 
 namespace nls::mkconvmap {
-
-// what() names the entry and the first difference.
-class ReadBackError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 // Bytes of arena.
 struct ArenaUse {

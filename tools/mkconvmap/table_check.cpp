@@ -10,7 +10,7 @@
 #include "nls/inner.h"
 #include "nls/objects.h"
 #include "nls/status.h"
-#include "tools/mkconvmap/read_back.hpp"
+#include "tools/mkconvmap/read_back_error.hpp"
 
 namespace nls::mkconvmap {
 

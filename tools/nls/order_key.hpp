@@ -1,9 +1,9 @@
 // Sort keys that stand for texts in a sort: only where it is sure that they order as the comparison does.
 //
-// Byte tables give such keys, but for a byte that is both an expansion and a first byte, and for the basic table with an
-// expansion where "s" doesn't weigh 0x53. Through Shift-JIS texts count whose characters convert one by one to what the
-// comparison takes them for. By code points all texts count exactly, and well-formed ones folded. Thai keys and those of
-// a site's own sort follow rules of their own: there nothing counts.
+// Byte tables give such keys, but for a byte that is both an expansion and a first byte, and for the basic table with
+// an expansion where "s" doesn't weigh 0x53. Through Shift-JIS texts count whose characters convert one by one to what
+// the comparison takes them for. By code points all texts count exactly, and well-formed ones folded. Thai keys and
+// those of a site's own sort follow rules of their own: there nothing counts.
 #pragma once
 
 #include <bitset>

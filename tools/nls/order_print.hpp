@@ -1,4 +1,4 @@
-// The fingerprint of an order: a digest of everything that decides it, so that two hosts with the same print sort alike.
+// The fingerprint of an order: a digest of everything that decides it. Two hosts with the same print sort alike.
 //
 // What goes in, in this order; numbers are 32 bits, the lowest byte first:
 //   1. the text "nls order" and the version of the library's walks, NLS_ORDER_VERSION

@@ -29,8 +29,8 @@ public:
     // A locale of a charset, without collation and case table. An unknown name is a usage failure with the nearest
     // names.
     nlsLocale* locale(const std::string& charset);
-    // A locale with a collation and, unless `caseName` is empty, a case table; an empty `collation` is none. Unknown names
-    // are usage failures with the nearest names.
+    // A locale with a collation and, unless `caseName` is empty, a case table; an empty `collation` is none. Unknown
+    // names are usage failures with the nearest names.
     nlsLocale* locale(const std::string& charset, const std::string& collation, const std::string& caseName);
     // Whether the file has that case table for the charset.
     bool hasCaseTable(const std::string& charset, const std::string& caseName) const;

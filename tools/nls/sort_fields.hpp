@@ -18,8 +18,9 @@ FieldRange parseFieldRange(const std::string& text);
 
 class FieldCutter {
 public:
-    // `separator` is UTF-8, or "\t" for a tab; empty: any number of blanks and tabs separates fields, and those in front
-    // of the first are no part of it. Without `ranges` the whole line counts. Throws if the charset lacks the separator.
+    // `separator` is UTF-8, or "\t" for a tab; empty: any number of blanks and tabs separates fields, and those in
+    // front of the first are no part of it. Without `ranges` the whole line counts. Throws if the charset lacks the
+    // separator.
     FieldCutter(const TextCharset& charset, const std::string& separator, const std::vector<FieldRange>& ranges);
 
     std::size_t rangeCount() const { return ranges_.size(); }
