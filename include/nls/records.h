@@ -206,9 +206,10 @@ struct nlsCaseStruct {
 
 /* A case table of UTF-8, whose charset has NLS_CHARSET_UTF8; it stands where others have an nlsCaseStruct: 8024 bytes.
 
-   The key of a character is found from its UTF-8 bytes, taken as a big-endian number; bits 8 to 15 of the key choose the
-   page, bits 0 to 6 the entry of its upper-case form. That of its lower-case form stands 64 entries later, on page 0 128.
-   An entry is the low 16 bits of the UTF-8 number of that form; 0: there is none. Page 0 has 256 entries, others 128. */
+   The key of a character is found from its UTF-8 bytes, taken as a big-endian number; bits 8 to 15 of the key choose
+   the page, bits 0 to 6 the entry of its upper-case form. That of its lower-case form stands 64 entries later, on page
+   0 128. An entry is the low 16 bits of the UTF-8 number of that form; 0: there is none. Page 0 has 256 entries, others
+   128. */
 struct nlsUnicodeCaseStruct {
     uint32_t caseRawSize;           /*    0: always 5976, the bytes before casePages */
     uint32_t caseBuildSize;         /*    4: what the tables behind the record take, in bytes */

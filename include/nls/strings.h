@@ -112,12 +112,12 @@ NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const un
 
 /* ---- Case ---- */
 
-/* Copies the text of `from` to `to` in lower or upper case. Of `from` only `buf` is read, up to its NUL; of `to` `buf` and
-   `bufSize`. `tls` may be null and is not read.
+/* Copies the text of `from` to `to` in lower or upper case. Of `from` only `buf` is read, up to its NUL; of `to` `buf`
+   and `bufSize`. `tls` may be null and is not read.
 
-   The locale's case table decides. With a Unicode one, of a UTF-8 charset, each character is replaced by its form there;
-   a form can be shorter than its character, and longer only for one of one byte. With any other table each byte that
-   is a character of its own goes through the table's map, and of a longer character two bytes are copied. Without a
+   The locale's case table decides. With a Unicode one, of a UTF-8 charset, each character is replaced by its form
+   there; a form can be shorter than its character, and longer only for one of one byte. With any other table each
+   byte that is a character of its own goes through the table's map, and of a longer character two bytes are copied. Without a
    table such a byte goes through the C library's table of the process's locale, and longer characters are copied. What
    has no other case is copied. A character that the NUL cuts short is the bytes in front of it; one of five bytes or
    more becomes "?" where there is a Unicode case table.
@@ -130,9 +130,9 @@ NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const un
    NLS_BAD_LOCALE (24)
    NLS_NO_ATTRIB (27)
    NLS_BAD_ARG (16)     a record, or its `buf`, is null
-   NLS_BUF_SMALL (2)    the text and its NUL don't fit. The characters that fit stand in `to->buf`, with a NUL behind them
-                        if the next is one of several bytes and would have fit in part; the fields of `to` are unchanged.
-                        A `bufSize` below 1 is no room: nothing is written */
+   NLS_BUF_SMALL (2)    the text and its NUL don't fit. The characters that fit stand in `to->buf`, with a NUL behind
+                        them if the next is one of several bytes and would have fit in part; the fields of `to` are
+                        unchanged. A `bufSize` below 1 is no room: nothing is written */
 NLS_API nlsStatus nlsLowerCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
 NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
 

@@ -31,8 +31,8 @@ NLS_API int32_t UserSortInit(const char* name, uint64_t* userSortHandle);
 NLS_API void UserSortCopy(unsigned char* key, const unsigned char* src, int32_t keySize, const unsigned char* foldMap,
                           const unsigned char* exactMap, uint16_t mode, uint64_t userSortHandle);
 
-/* 1: `s1` sorts after `s2`; 0: they are equal; -1: before. The low 16 bits are the caller's result. `compareMode` is the
-   caller's. The default answers 0. */
+/* 1: `s1` sorts after `s2`; 0: they are equal; -1: before. The low 16 bits are the caller's result. `compareMode` is
+   the caller's. The default answers 0. */
 NLS_API int32_t UserSortComp(const unsigned char* s1, const unsigned char* s2, const unsigned char* foldMap,
                              const unsigned char* exactMap, uint16_t compareMode, uint64_t userSortHandle);
 
@@ -47,8 +47,8 @@ NLS_API int32_t usr_stbcmpl(const unsigned char* s1, const unsigned char* s2, co
                             const unsigned char* exactMap, uint16_t compareMode, uint64_t userSortHandle);
 NLS_API void usr_sortterm(uint64_t userSortHandle);
 
-/* Ends the sort of a handle if it is open, and forgets it: `userSortOpen` and `userSortHandle` are 0 then. nlsClose does
-   this. */
+/* Ends the sort of a handle if it is open, and forgets it: `userSortOpen` and `userSortHandle` are 0 then. nlsClose
+   does this. */
 NLS_API void nlsCloseUserSort(nlsHandle* handle);
 
 NLS_END_DECLS

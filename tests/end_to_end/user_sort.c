@@ -1,5 +1,5 @@
-/* Whose sort a collation of kind 2 goes by: the library's own, which opens none, or that of site_sort.c, which stands in
-   the program or in a library loaded before.
+/* Whose sort a collation of kind 2 goes by: the library's own, which opens none, or that of site_sort.c, which stands
+   in the program or in a library loaded before.
 
        user_sort CONVMAP default|site */
 #include <fcntl.h>

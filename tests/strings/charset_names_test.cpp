@@ -32,7 +32,7 @@ TEST(CharsetNames, WhatIsNotFoundWritesNothing) {
     EXPECT_STREQ(canonical, "#");
 }
 
-// Under a locale its collation decides, and nothing else: the folded map, blanks at the end, the first name that is equal.
+// Under a locale its collation decides, and nothing else: its folded map, blanks at the end, the first equal name.
 TEST(CharsetNames, UnderALocaleItsCollationDecides) {
     nls::test::CollatedLocale locale{nls::test::singleByteCharset(), nls::test::plainCollation()};
     char canonical[NLS_CHARSET_NAME_SIZE] = "#";
