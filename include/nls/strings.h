@@ -117,10 +117,10 @@ NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const un
 
    The locale's case table decides. With a Unicode one, of a UTF-8 charset, each character is replaced by its form
    there; a form can be shorter than its character, and longer only for one of one byte. With any other table each
-   byte that is a character of its own goes through the table's map, and of a longer character two bytes are copied. Without a
-   table such a byte goes through the C library's table of the process's locale, and longer characters are copied. What
-   has no other case is copied. A character that the NUL cuts short is the bytes in front of it; one of five bytes or
-   more becomes "?" where there is a Unicode case table.
+   byte that is a character of its own goes through the table's map, and of a longer character two bytes are copied.
+   Without a table such a byte goes through the C library's table of the process's locale, and longer characters are
+   copied. What has no other case is copied. A character that the NUL cuts short is the bytes in front of it; one of
+   five bytes or more becomes "?" where there is a Unicode case table.
 
    `from` and `to` may be the same buffer as long as no form is longer than its character. Otherwise the result is
    unspecified, though nothing is written at or behind `to->buf` + `to->bufSize`.
