@@ -12,16 +12,16 @@
 
 #include "collation/text.hpp"
 
-// Marks what loads behind a NUL: the sanitizer must not watch it, and so it can't be inlined there.
+// Marks what loads behind a NUL: the sanitizers must not watch it, and so it can't be inlined there.
 #ifdef __has_feature
-#define NLS_WATCHED __has_feature(address_sanitizer)
-#elif defined(__SANITIZE_ADDRESS__)
+#define NLS_WATCHED (__has_feature(address_sanitizer) || __has_feature(thread_sanitizer))
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define NLS_WATCHED 1
 #else
 #define NLS_WATCHED 0
 #endif
 #if NLS_WATCHED
-#define NLS_PASSES_NUL __attribute__((no_sanitize("address"), noinline))
+#define NLS_PASSES_NUL __attribute__((no_sanitize("address", "thread"), noinline))
 #else
 #define NLS_PASSES_NUL __attribute__((always_inline))
 #endif
