@@ -2,6 +2,7 @@
 // with it; keys that sort as their texts; limits that read as cut copies; folding that parts nothing that is the same;
 // texts that stay as they are. Texts are of real characters of each charset, short ones exhaustively, and blanks.
 #include <array>
+#include <cctype>
 #include <set>
 
 #include "tests/real/order_alphabet.hpp"
@@ -43,7 +44,14 @@ private:
     std::vector<Character> chosen(bool excused) {
         std::vector<Character> few;
         if (locale_->attrib->lengthMap[' '] == 0) few.push_back({{' '}});
-        while (few.size() < kFew) few.push_back(alphabet_.any(random_, excused && few.size() % 2 != 0));
+        while (few.size() < kFew) {
+            few.push_back(alphabet_.any(random_, excused && few.size() % 2 != 0));
+            // Second bytes aren't folded: with a letter for one comes its other case.
+            if (const Bytes& code = few.back().bytes; code.size() != 2 || std::isalpha(code[1]) == 0) continue;
+            few.push_back(few.back());
+            few.back().bytes[1] = static_cast<unsigned char>(few.back().bytes[1] ^ 0x20);
+        }
+        few.resize(kFew);
         return few;
     }
 
