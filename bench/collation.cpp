@@ -1,8 +1,9 @@
-// Comparison and sort keys of byte tables, beside ICU's root collator, glibc's strcoll and strxfrm, strcasecmp and memcmp.
+// Comparison and sort keys of byte tables, beside ICU's root collator, glibc's strcoll and strxfrm, strcasecmp and
+// memcmp.
 //
-// Columns of 200,000 names, addresses and codes of 8 to 64 bytes; pairs of them at random, neighbouring in order, equal,
-// and differing in case; texts of a kilobyte that begin alike, and random ones. ICU compares the same texts in UTF-8, at
-// secondary strength beside the folded maps and at tertiary strength beside the exact ones.
+// Columns of 200,000 names, addresses and codes of 8 to 64 bytes; pairs of them at random, neighbouring in order,
+// equal, and differing in case; texts of a kilobyte that begin alike, and random ones. ICU compares the same texts in
+// UTF-8, at secondary strength beside the folded maps and at tertiary strength beside the exact ones.
 //   bench_collation [--cpu-level=1|2|3] [flags of Google Benchmark]
 #include <strings.h>
 

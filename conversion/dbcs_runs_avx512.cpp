@@ -49,8 +49,8 @@ NLS_WIDE __mmask16 lanesOf(uint64_t mask, uint64_t taken) {
     return static_cast<__mmask16>(_pext_u64(mask, taken));
 }
 
-// For a value that a rare branch computes: hides it from the compiler, so that the branch stays one. A choice between two
-// values would wait for both, and the next block would begin later.
+// For a value that a rare branch computes: hides it from the compiler, so that the branch stays one. A choice between
+// two values would wait for both, and the next block would begin later.
 NLS_WIDE uint64_t byBranch(uint64_t value) {
     __asm__ volatile("" : "+r"(value));
     return value;

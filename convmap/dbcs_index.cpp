@@ -87,8 +87,8 @@ bool zeroIsApart(const nlsUcs2Map& map) {
     return number == 0 || number == kNoMapping;
 }
 
-// An entry of the map's array whose UTF-8 a lane can't write: a pair of bytes makes two bytes or three, never one, and a
-// surrogate ends the conversion.
+// An entry of the map's array whose UTF-8 a lane can't write: a pair of bytes makes two bytes or three, never one, and
+// a surrogate ends the conversion.
 bool hasOddEntry(const nlsUcs2Map& map) {
     return std::any_of(map.cjisToUcs, map.cjisToUcs + cjisCountOf(map),
                        [](uint16_t unit) { return unit < 0x80 || isSurrogate(unit); });

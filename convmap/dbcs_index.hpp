@@ -1,11 +1,11 @@
 // The index of a multi-byte table: what the bridges may take for granted about it, and a few pages of ready answers.
 //
 // The bridges convert runs of ASCII and of double-byte characters sixteen at a time, by arithmetic on lanes. Whether
-// that is allowed, and with which constants, follows from the three maps and the trail counts, but takes some microseconds
-// to find out. So it is found out once, when the table has been loaded, by asking the plain search (dbcs_search.hpp)
-// what it answers; the index holds nothing that the search would answer otherwise. Kana and punctuation stand in the
-// rows of the first map, whose walk is the slowest of all searches: the index carries up to three pages of 256 code
-// points with their charset codes.
+// that is allowed, and with which constants, follows from the three maps and the trail counts, but takes some
+// microseconds to find out. So it is found out once, when the table has been loaded, by asking the plain search
+// (dbcs_search.hpp) what it answers; the index holds nothing that the search would answer otherwise. Kana and
+// punctuation stand in the rows of the first map, whose walk is the slowest of all searches: the index carries up to
+// three pages of 256 code points with their charset codes.
 //
 // The index lies in the arena behind the arrays and is left out, or has fewer pages, where room is short: a table
 // without it converts to the same text, more slowly, and long texts build one on the stack. The table finds it through

@@ -30,8 +30,8 @@ nlsStatus loadArrays(const LoadContext& context, nlsUcs2Map& map) {
     return loadArray(context, map.cellsOffset, map.ucsCellCount, map.ucsCells);
 }
 
-// What an optional index leaves in the arena: room for the table of the opposite direction (504 bytes), and for a locale
-// with an attribute table, a collation, a case table and a conversion (2,100 bytes) that a caller may make next.
+// What an optional index leaves in the arena: room for the table of the opposite direction (504 bytes), and for a
+// locale with an attribute table, a collation, a case table and a conversion (2,100 bytes) that a caller may make next.
 constexpr uint32_t kBytesKeptFree = 3072;
 
 bool leadsToUnicode(ConvType type) {

@@ -1,8 +1,8 @@
 // Any two texts under any hand-made collation: comparison, keys and words.
 //
 // The first bytes of the input choose the collation, the mode, the limits and the room for the key; the rest is the two
-// texts. Whatever the processor can do, each answer must be that of the slow twin. Texts and keys stand directly in front
-// of a page that faults. The same bytes are also a word-break table and a text to be cut.
+// texts. Whatever the processor can do, each answer must be that of the slow twin. Texts and keys stand directly in
+// front of a page that faults. The same bytes are also a word-break table and a text to be cut.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

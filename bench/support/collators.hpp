@@ -1,4 +1,5 @@
-// What a user would take instead of nlsCompare and nlsSortKey: ICU's root collator, and glibc in a locale of the charset.
+// What a user would take instead of nlsCompare and nlsSortKey: ICU's root collator, and glibc in a locale of the
+// charset.
 #pragma once
 
 #include <unicode/ucol.h>
@@ -34,8 +35,8 @@ std::string upperCase(const std::string& utf8);
 // A locale of glibc, compiled for this run with localedef; null where that fails.
 locale_t compiledLocale(const char* language, const char* charset);
 
-// Weights of a single-byte charset in the order of ICU's root collator: exact at tertiary strength, folded at secondary.
-// Sharp s is an expansion.
+// Weights of a single-byte charset in the order of ICU's root collator: exact at tertiary strength, folded at
+// secondary. Sharp s is an expansion.
 nlsCollStruct rootCollation(const char* icuCharset);
 
 }  // namespace nls::bench

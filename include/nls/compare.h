@@ -12,12 +12,12 @@
    Any other number goes as 1. A charset marked NLS_CHARSET_VIA_SJIS compares as its text converted to Shift-JIS would.
    Blanks (0x20) at the end of a text never count, unless a site's own sort says otherwise.
 
-   `compareMode`: 1 compares exactly, 0 folds (case, and what else the collation's maps fold). Kinds 1 and its like refuse
-   any other value with NLS_BAD_COMPARE_MODE, 3 and 4 take it for 1, and a site's own sort is handed it as it is.
+   `compareMode`: 1 compares exactly, 0 folds (case, and what else the collation's maps fold). Kinds 1 and its like
+   refuse any other value with NLS_BAD_COMPARE_MODE, 3 and 4 take it for 1, and a site's own sort is handed it as it is.
 
-   Shared by all: texts end at their NUL. Nothing is allocated and nothing kept but the memo of getSjisHandles, so that any
-   number of threads may call at once. `tls` may be null; it is not read. A caller's text is never written to, with one
-   exception: kind 2, told at nlsCompareN and nlsSortKey.
+   Shared by all: texts end at their NUL. Nothing is allocated and nothing kept but the memo of getSjisHandles, so that
+   any number of threads may call at once. `tls` may be null; it is not read. A caller's text is never written to, with
+   one exception: kind 2, told at nlsCompareN and nlsSortKey.
 
    Valid C11 and C++20. */
 #ifndef NLS_COMPARE_H

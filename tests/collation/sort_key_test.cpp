@@ -112,8 +112,8 @@ TEST_P(Keys, LongTextsInBuffersOfManySizes) {
         }
 }
 
-// The order of the keys is the order of the texts. Crowded weights are left out: they have expansions among first bytes,
-// and bytes that weigh less than the blank.
+// The order of the keys is the order of the texts. Crowded weights are left out: they have expansions among first
+// bytes, and bytes that weigh less than the blank.
 TEST_P(Keys, SortAsTheirTextsDo) {
     for (const HandRoute& route : routes) {
         if (route.locale->coll().foldMap['!'] != '!' || route.locale->coll().exactMap['!'] != '!') continue;

@@ -1,4 +1,5 @@
-// The real characters of a charset, to make texts of that a collation orders, and which of them excuse a text from a law.
+// The real characters of a charset, to make texts of that a collation orders, and which of them excuse a text from a
+// law.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Orders through the command nls: sort, compare, key, upper, lower and fingerprint, on a small data file with a collation
-// of each kind and on the real one.
+// Orders through the command nls: sort, compare, key, upper, lower and fingerprint, on a small data file with a
+// collation of each kind and on the real one.
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>

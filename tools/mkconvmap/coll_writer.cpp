@@ -51,8 +51,8 @@ WeightMaps codePointMaps() {
     return maps;
 }
 
-// Weights in the order of a collator. Bytes that differ in nothing but case, or in less, fold: in the second map they have
-// the weight of the first of them, whichever row of weights that stands in. The blank folds with nothing, nor do
+// Weights in the order of a collator. Bytes that differ in nothing but case, or in less, fold: in the second map they
+// have the weight of the first of them, whichever row of weights that stands in. The blank folds with nothing, nor do
 // characters that the collator passes over.
 class Weigher {
 public:

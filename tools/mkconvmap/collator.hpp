@@ -13,8 +13,8 @@ namespace nls::mkconvmap {
 
 class Collator {
 public:
-    // The collator with its default attributes, but that no sign is passed over. Fails at `place` where ICU doesn't have
-    // just this locale: it would give the order of a wider one, or of no language at all, without a word.
+    // The collator with its default attributes, but that no sign is passed over. Fails at `place` where ICU doesn't
+    // have just this locale: it would give the order of a wider one, or of no language at all, without a word.
     Collator(const Place& place, const std::string& locale);
 
     // Keys order as unsigned bytes. Tertiary keys tell capitals and accents apart, secondary keys accents alone. Both

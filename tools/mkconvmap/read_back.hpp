@@ -1,6 +1,6 @@
 // The finished file as the library sees it: every locale and conversion that it names is made, and every character is
-// converted and compared with the descriptions; so are all weights, and the forms of all characters. A file that passes is
-// one that the library doesn't misread.
+// converted and compared with the descriptions; so are all weights, and the forms of all characters. A file that passes
+// is one that the library doesn't misread.
 // Tested by tests/tools/read_back_test.cpp.
 #pragma once
 

@@ -1,5 +1,5 @@
-// Sorting more lines than fit into memory: what fits is sorted and spilled to a temporary file as a run, and at the end the
-// runs are merged. Equal lines keep the order in which they came.
+// Sorting more lines than fit into memory: what fits is sorted and spilled to a temporary file as a run, and at the end
+// the runs are merged. Equal lines keep the order in which they came.
 // Tested by tests/tools/nls_sort_test.cpp.
 #pragma once
 

@@ -1,5 +1,5 @@
-// A stable merge sort. Unlike the standard library's it stays inside its array and ends whatever the comparison answers:
-// a site's own sort may contradict itself.
+// A stable merge sort. Unlike the standard library's it stays inside its array and ends whatever the comparison
+// answers: a site's own sort may contradict itself.
 #pragma once
 
 #include <cstddef>
