@@ -8,6 +8,7 @@
 #include "collation/words.hpp"
 #include "core/base/charset.hpp"
 #include "core/base/checks.hpp"
+#include "core/base/cpu.hpp"
 #include "nls/compare.h"
 
 namespace {
@@ -28,10 +29,15 @@ nlsStatus handOut(const nls::Compared& compared, uint16_t* result) {
     return compared.status;
 }
 
-[[gnu::noinline]] nlsStatus compareBehindFirstPair(nls::WeightMap weights, const unsigned char* s1,
-                                                   const unsigned char* s2, int32_t len1, int32_t len2,
-                                                   uint16_t* result) {
-    *result = static_cast<uint16_t>(nls::compareSingleBytes(weights, nls::Text::of(s1, len1), nls::Text::of(s2, len2)));
+// The arguments stand where those of nlsCompareN do, and "noipa" keeps them there, so that a jump hands them on.
+// REQUIRES: lengths above 0.
+[[gnu::noipa]] nlsStatus compareBehindFirstPair(nls::WeightMap weights, nlsTlsBlock*, const unsigned char* s1,
+                                                const unsigned char* s2, int32_t len1, int32_t len2, uint16_t,
+                                                uint16_t* result) {
+    const nls::Text a{s1, s1 + len1}, b{s2, s2 + len2};
+    const bool wide = nls::cpuLevel() >= nls::CpuLevel::avx512;
+    *result = static_cast<uint16_t>(wide ? nls::compareLimitedAvx512(weights, a, b)
+                                         : nls::compareSingleBytesPlain(weights, a, b));
     return NLS_OK;
 }
 
@@ -64,14 +70,15 @@ nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned 
                       int32_t len1, int32_t len2, uint16_t compareMode, uint16_t* result) {
     // Most pairs are decided by their first bytes: they are looked at here, and all else is left to functions that take
     // over the arguments of this one as they are.
-    const bool given = (s1 != nullptr) & (s2 != nullptr) & (result != nullptr);
-    const bool plain = (compareMode <= 1) & (len1 > 0) & (len2 > 0) & given;
+    const bool given = s1 != nullptr && s2 != nullptr && result != nullptr;
+    const bool plain = given && compareMode <= 1 && ((len1 - 1) | (len2 - 1)) >= 0;
     if (!plain || checkLocaleAlone(locale) != NLS_OK || !nls::comparesSingleBytes(*locale)) [[unlikely]]
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
     const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
     const int sign = nls::decidedByFirstPair(weights, s1, s2);
+    if (sign == 0) return compareBehindFirstPair(weights, tls, s1, s2, len1, len2, compareMode, result);
     *result = static_cast<uint16_t>(sign);
-    return sign != 0 ? NLS_OK : compareBehindFirstPair(weights, s1, s2, len1, len2, result);
+    return NLS_OK;
 }
 
 nlsStatus locCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1, const unsigned char* s2,

@@ -14,9 +14,8 @@ namespace nls {
 // Not 0: the first pair of bytes decides. Else nothing is known yet.
 inline int decidedByFirstPair(WeightMap weights, const unsigned char* a, const unsigned char* b) {
     const unsigned byteA = *a, byteB = *b, ofA = weights.entry(*a), ofB = weights.entry(*b);
-    // Less 1, a NUL and an expansion have their highest bits set.
-    const bool plain = static_cast<int>((byteA - 1) | (byteB - 1) | (ofA - 1) | (ofB - 1)) >= 0;
-    return plain ? orderOf(ofA, ofB) : 0;
+    const bool decides = byteA != 0 && byteB != 0 && ofA != 0 && ofB != 0 && ofA != ofB;
+    return decides ? 1 - 2 * int{ofA < ofB} : 0;
 }
 
 // -1, 0 or 1, from whatever byte on.
@@ -25,5 +24,9 @@ int compareSingleBytes(WeightMap weights, Text a, Text b);
 // The two ways to do that: any processor; AVX-512.
 int compareSingleBytesPlain(WeightMap weights, Text a, Text b);
 int compareSingleBytesAvx512(WeightMap weights, Text a, Text b);
+
+// Of texts with limits, of which most are the same to their ends or differ in a byte that decides, within 64 bytes.
+// REQUIRES: both have limits, and the processor has AVX-512.
+int compareLimitedAvx512(WeightMap weights, Text a, Text b);
 
 }  // namespace nls

@@ -38,12 +38,7 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareSingleBytesAvx512(WeightMap 
         // A lane of which both bytes are the same, else 0: the NUL is as good as a difference.
         const __m512i same = _mm512_maskz_mov_epi8(_mm512_cmpeq_epi8_mask(bytesA, bytesB), bytesA);
         __mmask64 stops = _mm512_mask_testn_epi8_mask(all, same, same);
-        if (stops != 0) {
-            const std::size_t first = _tzcnt_u64(stops);
-            if (const int decided = decidedByFirstPair(weights, a.place + first, b.place + first)) return decided;
-            // No more than a difference in case, most likely: the next stop is looked for by weights.
-            stops = all & stopsOf(rowsOf(weights), bytesA, bytesB);
-        }
+        if (stops != 0) stops = all & stopsOf(rowsOf(weights), bytesA, bytesB);  // most likely they differ in case
         const std::size_t passed = stops != 0 ? _tzcnt_u64(stops) : count;
         a.place += passed;
         b.place += passed;
@@ -60,6 +55,24 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareSingleBytesAvx512(WeightMap 
         }
     }
     return decideAtEnd(a, b);
+}
+
+// Its fast way is without a loop and without a stack frame.
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareLimitedAvx512(WeightMap weights, Text a, Text b) {
+    const std::ptrdiff_t lengthA = a.limit - a.place, lengthB = b.limit - b.place;
+    const auto most = static_cast<std::size_t>(std::min(lengthA, lengthB));
+    if (most > std::min(kBlock, leftInBothPages(a.place, b.place))) return compareSingleBytesAvx512(weights, a, b);
+    const __mmask64 all = firstLanes(most);
+    const __m512i bytesA = _mm512_maskz_loadu_epi8(all, a.place), bytesB = _mm512_maskz_loadu_epi8(all, b.place);
+    const __mmask64 stops = _mm512_cmpneq_epi8_mask(bytesA, bytesB) | _mm512_mask_testn_epi8_mask(all, bytesA, bytesA);
+    if (stops == 0) {
+        if (lengthA == lengthB) return 0;
+    } else {
+        const std::size_t first = _tzcnt_u64(stops);
+        if (const int decided = decidedByFirstPair(weights, a.place + first, b.place + first)) return decided;
+        if (a.place[first] == b.place[first]) return 0;  // both have their NUL here
+    }
+    return compareSingleBytesAvx512(weights, a, b);
 }
 
 }  // namespace nls

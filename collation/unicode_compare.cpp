@@ -1,7 +1,7 @@
 #include "collation/unicode_compare.hpp"
 
 #include "collation/ascii_case.hpp"
-#include "collation/equal_prefix.hpp"
+#include "collation/equal_run.hpp"
 #include "collation/lchar_text.hpp"
 
 namespace nls {
@@ -81,7 +81,7 @@ bool differAtOnce(Text a, Text b) {
 
 int compareBytes(Text a, Text b) {
     if (differAtOnce(a, b)) return signOf(*a.place, *b.place);
-    advance(a, b, equalPrefix(a, b));
+    advance(a, b, equalRun(a.place, b.place, leftInBoth(a, b)));
     if (a.atEnd()) return onlyBlanksLeft(b) ? 0 : -1;
     if (b.atEnd()) return onlyBlanksLeft(a) ? 0 : 1;
     return signOf(*a.place, *b.place);
@@ -97,7 +97,7 @@ int compareFoldedUtf8(const nlsLocale& locale, Text a, Text b) {
     for (unsigned equalInRow = differAtOnce(a, b) ? 0 : kWorthSkip;;) {
         if (equalInRow >= kWorthSkip) {
             equalInRow = 0;
-            const std::size_t same = equalPrefix(a, b);
+            const std::size_t same = equalRun(a.place, b.place, leftInBoth(a, b));
             if (Text{a.place + same, a.limit}.atEnd() && Text{b.place + same, b.limit}.atEnd()) return 0;
             if (same != 0)
                 advance(a, b, static_cast<std::size_t>(characterAt(charset, a.place + same, a.place) - a.place));
@@ -113,7 +113,7 @@ int compareFoldedUtf8(const nlsLocale& locale, Text a, Text b) {
         equalInRow = 0;
         if (ofA >= 0x80) continue;  // in its script others follow
         if (mayFoldAscii) foldsAscii = lowerCase.isPlainOnAscii(), mayFoldAscii = false;
-        if (foldsAscii) advance(a, b, equalAsciiPrefix(a, b));
+        if (foldsAscii) advance(a, b, equalAsciiRun(a.place, b.place, leftInBoth(a, b)));
     }
 }
 
