@@ -1,6 +1,7 @@
 #include "collation/byte_walk.hpp"
 
 #include "collation/equal_run.hpp"
+#include "collation/single_byte_walk.hpp"
 #include "core/base/cpu.hpp"
 
 namespace nls {
@@ -71,16 +72,25 @@ bool isSecondByte(const ByteRoute& route, const unsigned char* start, std::size_
 }
 
 // Equal bytes at the same place of characters are equal weights, through the bridge and in expansions too. Passes over
-// them as far as whole characters go, or to the end of both texts. REQUIRES: both stand between characters.
-void skipEqualBytes(const ByteRoute& route, Text& a, Text& b) {
+// them as far as whole characters go, or to the end of both texts. Not 0: the bytes behind them have decided, as they do
+// without a bridge, second bytes as they are. REQUIRES: both stand between characters.
+int skipEqualBytes(const ByteRoute& route, Text& a, Text& b) {
     const std::size_t most = leftInBoth(a, b);
     const bool wide = cpuLevel() >= CpuLevel::avx512;
     std::size_t run = wide ? equalRunAvx512(a.place, b.place, most) : equalRun(a.place, b.place, most);
     const Text endA{a.place + run, a.limit}, endB{b.place + run, b.limit};
-    // Back to the first byte of a character whose second bytes differ, or which one of the texts has lost to its end.
-    if (!(endA.atEnd() && endB.atEnd()) && isSecondByte(route, a.place, run)) --run;
+    if (const bool endedA = endA.atEnd(), endedB = endB.atEnd(); !(endedA && endedB)) {
+        const bool second = isSecondByte(route, a.place, run);
+        if (!endedA && !endedB && route.bridge.changesNothing()) {
+            if (second) return orderOf(*endA.place, *endB.place);
+            if (const int decided = decidedByFirstPair(route.weights, endA.place, endB.place)) return decided;
+        }
+        // Back to the first byte of a character whose second bytes differ, or which one text has lost to its end.
+        if (second) --run;
+    }
     a.place += run;
     b.place += run;
+    return 0;
 }
 
 // Are the first two bytes the same? With one alone no blocks are worth looking at. REQUIRES: neither has ended.
@@ -147,7 +157,7 @@ Step stepOverWeights(const ByteRoute& route, Text& a, Text& b) {
 int compareByWeights(const ByteRoute& route, Text a, Text b) {
     while (!a.atEnd() && !b.atEnd()) {
         if (beginAlike(a, b)) {
-            skipEqualBytes(route, a, b);
+            if (const int decided = skipEqualBytes(route, a, b)) return decided;
             if (a.atEnd() || b.atEnd()) break;
         }
         Step step = stepOverCharacters(route, a, b);

@@ -72,11 +72,15 @@ nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned 
     // over the arguments of this one as they are.
     const bool given = s1 != nullptr && s2 != nullptr && result != nullptr;
     const bool plain = given && compareMode <= 1 && ((len1 - 1) | (len2 - 1)) >= 0;
-    if (!plain || checkLocaleAlone(locale) != NLS_OK || !nls::comparesSingleBytes(*locale)) [[unlikely]]
+    if (!plain || checkLocaleAlone(locale) != NLS_OK || !nls::firstPairMayDecide(*locale)) [[unlikely]]
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
     const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
     const int sign = nls::decidedByFirstPair(weights, s1, s2);
-    if (sign == 0) return compareBehindFirstPair(weights, tls, s1, s2, len1, len2, compareMode, result);
+    if (sign == 0) {
+        if (!nls::comparesSingleBytes(*locale))
+            return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+        return compareBehindFirstPair(weights, tls, s1, s2, len1, len2, compareMode, result);
+    }
     *result = static_cast<uint16_t>(sign);
     return NLS_OK;
 }
