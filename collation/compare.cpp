@@ -11,7 +11,7 @@ namespace nls {
 
 namespace {
 
-Compared compareByTables(const Collation& by, Text a, Text b, uint16_t mode) {
+inline Compared compareByTables(const Collation& by, Text a, Text b, uint16_t mode) {
     if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
     const Charset charset{by.attrib};
     ByteRoute route{WeightMap::of(by.coll, mode), charset, SjisBridge{nullptr}};
@@ -55,8 +55,12 @@ Compared compareTexts(const Collation& by, nlsTlsBlock*, Text a, Text b, uint16_
 
 Compared compareLimited(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* a, const unsigned char* b,
                         int32_t lengthA, int32_t lengthB, uint16_t mode) {
-    if (!comparesSingleBytes(locale))
-        return compareTexts(locale, tls, Text::of(a, lengthA), Text::of(b, lengthB), mode);
+    if (!comparesSingleBytes(locale)) {
+        const Text first = Text::of(a, lengthA), second = Text::of(b, lengthB);
+        if (kindOf(*locale.coll) == CollKind::byteTables)
+            return compareByTables(collationOf(locale), first, second, mode);
+        return compareTexts(locale, tls, first, second, mode);
+    }
     if (!isByteMode(mode)) return {NLS_BAD_COMPARE_MODE, 0};
     const WeightMap weights = WeightMap::of(*locale.coll, mode);
     const Text first{a, a + (lengthA < 0 ? 0 : lengthA)}, second{b, b + (lengthB < 0 ? 0 : lengthB)};
