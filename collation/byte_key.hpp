@@ -1,8 +1,9 @@
 // The sort key of byte tables: for each character its weight, and the second byte of a longer one as it is; for an
 // expansion two weights.
 //
-// The text may come in pieces; a character may be cut between them. Here a first byte is looked for before an expansion,
-// the other way round than in the comparison: a first byte of weight 0 leaves that 0 in the key, and ends it there.
+// The text may come in pieces; a character may be cut between them. Here a first byte is looked for before an
+// expansion, the other way round than in the comparison: a first byte of weight 0 leaves that 0 in the key, and ends it
+// there.
 // Tested by tests/collation/sort_key_test.cpp against tests/reference/compare.hpp.
 #pragma once
 

@@ -72,8 +72,8 @@ bool isSecondByte(const ByteRoute& route, const unsigned char* start, std::size_
 }
 
 // Equal bytes at the same place of characters are equal weights, through the bridge and in expansions too. Passes over
-// them as far as whole characters go, or to the end of both texts. Not 0: the bytes behind them have decided, as they do
-// without a bridge, second bytes as they are. REQUIRES: both stand between characters.
+// them as far as whole characters go, or to the end of both texts. Not 0: the bytes behind them have decided, as they
+// do without a bridge, second bytes as they are. REQUIRES: both stand between characters.
 int skipEqualBytes(const ByteRoute& route, Text& a, Text& b) {
     const std::size_t most = leftInBoth(a, b);
     const bool wide = cpuLevel() >= CpuLevel::avx512;

@@ -43,8 +43,8 @@ inline bool comparesSingleBytes(const nlsLocale& locale) {
     return Charset{*locale.attrib}.isSingleByte() && kindOf(*locale.coll) == CollKind::byteTables;
 }
 
-// Is the weight of a text's first byte the first of its weights, where it has one? It is that of a first byte of two, too;
-// but on the way through Shift-JIS the second byte has its say.
+// Is the weight of a text's first byte the first of its weights, where it has one? It is that of a first byte of two,
+// too; but on the way through Shift-JIS the second byte has its say.
 inline bool firstPairMayDecide(const nlsLocale& locale) {
     return !Charset{*locale.attrib}.comparesViaSjis() && kindOf(*locale.coll) == CollKind::byteTables;
 }

@@ -1,4 +1,5 @@
-// The bytes that two texts have in common at their beginning, found in blocks: of 16 on any processor, of 64 with AVX-512.
+// The bytes that two texts have in common at their beginning, found in blocks: of 16 on any processor, of 64 with
+// AVX-512.
 //
 // No limit is passed. But a text may end at a NUL before its limit, and what lies behind that NUL may belong to nobody.
 // So a block is read as far as it lies in one page with its first byte, which can be read; what it holds behind the NUL

@@ -29,8 +29,8 @@ private:
     bool secondS_ = false;
 };
 
-// The pairs from an expansion on, as long as one of the texts is inside one. Not 0: the answer; else both have moved on,
-// and may have ended. REQUIRES: neither has ended.
+// The pairs from an expansion on, as long as one of the texts is inside one. Not 0: the answer; else both have moved
+// on, and may have ended. REQUIRES: neither has ended.
 int throughExpansion(WeightMap weights, Text& a, Text& b) {
     Weights left{weights, a}, right{weights, b};
     do {

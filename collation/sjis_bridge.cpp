@@ -10,8 +10,8 @@ namespace {
 
 constexpr const char* kSjis = "shift-jis";
 
-// The memo is written by whoever comes first, while others read it: both words are read and written whole, and one alone
-// doesn't count. What they point to was finished with the locale.
+// The memo is written by whoever comes first, while others read it: both words are read and written whole, and one
+// alone doesn't count. What they point to was finished with the locale.
 template <typename T>
 T* readMemo(T* const& slot) {
     return __atomic_load_n(&slot, __ATOMIC_RELAXED);

@@ -35,8 +35,8 @@ std::size_t lengthOf(ByteSpan key) {
     return strnlen(reinterpret_cast<const char*>(key.data()), key.size());
 }
 
-// The text on its way through the bridge, in pieces, so that no key has to hold it. A piece that ends inside a character
-// is made shorter by as much.
+// The text on its way through the bridge, in pieces, so that no key has to hold it. A piece that ends inside a
+// character is made shorter by as much.
 [[gnu::noinline]] nlsStatus addBridged(ByteKey& key, ConvTable bridge, ByteView text) {
     constexpr std::size_t kPiece = 256, kLongestRest = 3;
     unsigned char converted[2 * kPiece];

@@ -12,7 +12,8 @@
 
 namespace nls {
 
-// `length` counts with status NLS_OK alone: bytes before the key's NUL, all of the buffer if a site's own sort wrote none.
+// `length` counts with status NLS_OK alone: bytes before the key's NUL, all of the buffer if a site's own sort wrote
+// none.
 struct SortKey {
     nlsStatus status;
     std::size_t length;
