@@ -93,10 +93,10 @@ std::shared_ptr<const Pairs> pairsOf(const std::string& kind, std::vector<std::s
     return pairs;
 }
 
-int compareOurs(std::string_view a, std::string_view b, uint16_t mode) {
+int compareOurs(const nlsLocale* by, std::string_view a, std::string_view b, uint16_t mode) {
     uint16_t sign = 0;
-    if (nlsCompareN(locale(), nullptr, bytesOf(a), bytesOf(b), static_cast<int32_t>(a.size()),
-                    static_cast<int32_t>(b.size()), mode, &sign) != NLS_OK)
+    if (nlsCompareN(by, nullptr, bytesOf(a), bytesOf(b), static_cast<int32_t>(a.size()), static_cast<int32_t>(b.size()),
+                    mode, &sign) != NLS_OK)
         giveUp("nls: compare");
     return sign;
 }
@@ -106,7 +106,8 @@ void comparePairs(const std::string& label, const std::shared_ptr<const Pairs>& 
         const auto icu = std::make_shared<IcuCollator>(mode == 0 ? UCOL_SECONDARY : UCOL_TERTIARY);
         nls::bench::compare(
             mode == 0 ? "compare folded" : "compare exactly", label, pairs->bytes(), pairs->count(),
-            {{"nls", [=] { pairs->compareAll([=](auto a, auto b) { return compareOurs(a, b, mode); }); }},
+            {{"nls",
+              [=, by = locale()] { pairs->compareAll([=](auto a, auto b) { return compareOurs(by, a, b, mode); }); }},
              {"ICU root", [=] { pairs->compareAll([&](auto a, auto b) { return icu->compare(a, b); }); }}});
     }
 }

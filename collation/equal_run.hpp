@@ -19,6 +19,18 @@
 // can't be inlined into what it watches.
 #define NLS_READS_WHOLE_BLOCKS __attribute__((no_sanitize("address", "thread")))
 
+// The same for the small ones here, which do belong into their callers when nobody watches.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define NLS_BLOCKS_INLINE NLS_READS_WHOLE_BLOCKS
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define NLS_BLOCKS_INLINE NLS_READS_WHOLE_BLOCKS
+#endif
+#endif
+#ifndef NLS_BLOCKS_INLINE
+#define NLS_BLOCKS_INLINE __attribute__((always_inline))
+#endif
+
 namespace nls {
 
 inline constexpr std::uintptr_t kSmallestPage = 4096;
@@ -75,23 +87,23 @@ struct SameButForAsciiCase {
     static bool stops(unsigned char a, unsigned char b) { return folded(a) != folded(b) || a == 0 || a >= 0x80; }
 };
 
-NLS_READS_WHOLE_BLOCKS inline __m128i load(const unsigned char* place) {
+NLS_BLOCKS_INLINE inline __m128i load(const unsigned char* place) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
 }
-NLS_READS_WHOLE_BLOCKS inline __m128i loadHalf(const unsigned char* place) {
+NLS_BLOCKS_INLINE inline __m128i loadHalf(const unsigned char* place) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(place));
 }
 
 // The last bytes in front of a limit, or those at the edge of a page: one after the other.
 template <typename Rule>
-NLS_READS_WHOLE_BLOCKS inline std::size_t lengthByBytes(const unsigned char* a, const unsigned char* b,
-                                                        std::size_t done, std::size_t end) {
+NLS_BLOCKS_INLINE inline std::size_t lengthByBytes(const unsigned char* a, const unsigned char* b, std::size_t done,
+                                                   std::size_t end) {
     while (done != end && !Rule::stops(a[done], b[done])) ++done;
     return done;
 }
 
 template <typename Rule>
-NLS_READS_WHOLE_BLOCKS inline std::size_t length(const unsigned char* a, const unsigned char* b, std::size_t room) {
+NLS_BLOCKS_INLINE inline std::size_t length(const unsigned char* a, const unsigned char* b, std::size_t room) {
     std::size_t done = 0;
     while (room - done >= kBlock) {
         if (!blockInPage(a + done) || !blockInPage(b + done)) {
