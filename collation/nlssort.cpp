@@ -29,11 +29,17 @@ nlsStatus handOut(const nls::Compared& compared, uint16_t* result) {
     return compared.status;
 }
 
-// The arguments stand where those of nlsCompareN do, and "noipa" keeps them there, so that a jump hands them on.
-// REQUIRES: lengths above 0.
-[[gnu::noipa]] nlsStatus compareBehindFirstPair(nls::WeightMap weights, nlsTlsBlock*, const unsigned char* s1,
-                                                const unsigned char* s2, int32_t len1, int32_t len2, uint16_t,
-                                                uint16_t* result) {
+// Keeps unused arguments in their places; clang does so by itself.
+#ifdef __clang__
+#define NLS_ARGUMENTS_STAY [[gnu::noinline]]
+#else
+#define NLS_ARGUMENTS_STAY [[gnu::noipa]]
+#endif
+
+// The arguments stand where those of nlsCompareN do, so that a jump hands them on. REQUIRES: lengths above 0.
+NLS_ARGUMENTS_STAY nlsStatus compareBehindFirstPair(nls::WeightMap weights, nlsTlsBlock*, const unsigned char* s1,
+                                                    const unsigned char* s2, int32_t len1, int32_t len2, uint16_t,
+                                                    uint16_t* result) {
     const nls::Text a{s1, s1 + len1}, b{s2, s2 + len2};
     const bool wide = nls::cpuLevel() >= nls::CpuLevel::avx512;
     *result = static_cast<uint16_t>(wide ? nls::compareLimitedAvx512(weights, a, b)
@@ -155,7 +161,8 @@ nlsStatus deliverWord(const nlsLocale& locale, nlsTlsBlock* tls, bool asKey, uin
 }  // namespace
 
 nlsStatus nlsIsSortNeeded(const nlsLocale* locale, nlsTlsBlock*, uint32_t* needed) {
-    const nls::WordBreaks breaks{locale != nullptr ? locale->wordBreak : nullptr};
+    if (locale == nullptr) return NLS_NO_WB_TABLE;
+    const nls::WordBreaks breaks{locale->wordBreak};
     if (breaks.isMissing()) return NLS_NO_WB_TABLE;
     if (needed == nullptr) return NLS_BAD_ARG;
     const bool keys = isUtf8(*locale) || breaks.kind() == kWordsOfPairs || breaks.kind() == kOpenWords;
@@ -166,7 +173,8 @@ nlsStatus nlsIsSortNeeded(const nlsLocale* locale, nlsTlsBlock*, uint32_t* neede
 
 nlsStatus nlsGetNextWord(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char** cursor, uint16_t options,
                          unsigned char* buffer, int32_t bufferSize, uint32_t* wordLen) {
-    const nls::WordBreaks breaks{locale != nullptr ? locale->wordBreak : nullptr};
+    if (locale == nullptr) return NLS_NO_WB_TABLE;
+    const nls::WordBreaks breaks{locale->wordBreak};
     if (breaks.isMissing()) return NLS_NO_WB_TABLE;
     if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
     if (cursor == nullptr || *cursor == nullptr || buffer == nullptr || wordLen == nullptr) return NLS_BAD_ARG;

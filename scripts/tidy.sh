@@ -11,7 +11,8 @@ run cmake --preset tidy
 run cmake --build "$build" -j "$jobs"
 echo "clang built everything without a warning"
 if (($# == 0)); then
-    mapfile -t files < <(git ls-files 'core/*.cpp' 'convmap/*.cpp' 'chars/*.cpp' 'conversion/*.cpp' 'strings/*.cpp' 'tools/*.cpp')
+    mapfile -t files < <(git ls-files 'core/*.cpp' 'convmap/*.cpp' 'chars/*.cpp' 'conversion/*.cpp' 'collation/*.cpp' \
+        'strings/*.cpp' 'tools/*.cpp')
 else
     files=("$@")
 fi

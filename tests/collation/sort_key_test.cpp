@@ -116,7 +116,8 @@ TEST_P(Keys, LongTextsInBuffersOfManySizes) {
 // bytes, and bytes that weigh less than the blank.
 TEST_P(Keys, SortAsTheirTextsDo) {
     for (const HandRoute& route : routes) {
-        if (route.locale->coll().foldMap['!'] != '!' || route.locale->coll().exactMap['!'] != '!') continue;
+        if (route.locale->coll().foldMap[unsigned{'!'}] != '!' || route.locale->coll().exactMap[unsigned{'!'}] != '!')
+            continue;
         std::vector<std::string> texts = {"\x88\x9F", "\x88\xA0",  "\xB0\xA1",  "\xB0\xA2",         "\xB0\xA1s  ",
                                           "\x8E\xB1", "\x8E\xB1 ", "\xB0\xA1S", "\xA4\xA2 \xA4\xA4"};
         const std::string sharpS = route.bridge == nullptr ? "\xDF" : "";  // a first byte in EUC

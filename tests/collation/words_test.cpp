@@ -32,7 +32,7 @@ public:
         for (std::size_t kind9 = 0; kind9 < names.size(); ++kind9)
             if (kind9 != 1)
                 bytes[kOffset + static_cast<unsigned char>(names[kind9])] = static_cast<unsigned char>(kind9);
-        std::memset(bytes + kOffset + 'b', 2, 5);  // to "f"
+        std::memset(&bytes[kOffset + unsigned{'b'}], 2, 5);  // to "f"
         bytes[kOffset + 'f'] = 11;
         place_ = memory_.atEnd(bytes, size_);
     }
@@ -155,7 +155,7 @@ TEST_F(WordsOfALocale, AsTheyStandOrAsKeys) {
     nlsWbTable* const tables[] = {const_cast<nlsWbTable*>(plain.get()), const_cast<nlsWbTable*>(keys.get())};
     Table capitals{7};
     for (nlsWbTable* const table : tables) {
-        std::memset(reinterpret_cast<unsigned char*>(table) + 70 + 'A', 2, 26);
+        std::memset(reinterpret_cast<unsigned char*>(table) + 70 + unsigned{'A'}, 2, 26);
         made.get()->wordBreak = table;
         const bool asKey = table->wbKind == 9;
         cursor = bytesOf(text);

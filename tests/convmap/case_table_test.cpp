@@ -162,9 +162,9 @@ TEST(CaseTable, IsReadOnceByItsKind) {
 
     ASSERT_EQ(getCaseStructPtr(open.handle, "LATIN", "basic", &table), NLS_OK);
     EXPECT_EQ(table->caseMapSize, 98);
-    EXPECT_EQ(table->upperMap['a'], 'A');
-    EXPECT_EQ(table->lowerMap['A'], 'a');
-    EXPECT_EQ(table->upperMap['b'], 0) << "behind the size";
+    EXPECT_EQ(table->upperMap[unsigned{'a'}], 'A');
+    EXPECT_EQ(table->lowerMap[unsigned{'A'}], 'a');
+    EXPECT_EQ(table->upperMap[unsigned{'b'}], 0) << "behind the size";
     const uint32_t before = open.handle->freeBytes;
     const int reads = open.file.reads;
     nlsCaseStruct* again = nullptr;

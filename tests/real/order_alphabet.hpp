@@ -65,7 +65,7 @@ private:
         const nlsCollStruct& coll = *locale_.coll;
         const auto light = [&](unsigned char byte) {
             for (const unsigned char* const map : {coll.foldMap, coll.exactMap})
-                if (byte != ' ' && map[byte] != 0 && map[byte] <= map[' ']) return true;
+                if (byte != ' ' && map[byte] != 0 && map[byte] <= map[unsigned{' '}]) return true;
             return false;
         };
         if (coll.collKind == kUnicode) return bytes[0] < ' ';

@@ -43,7 +43,7 @@ private:
     // A blank, where it is a character of one byte, and others; half of the rounds do without excuses.
     std::vector<Character> chosen(bool excused) {
         std::vector<Character> few;
-        if (locale_->attrib->lengthMap[' '] == 0) few.push_back({{' '}});
+        if (locale_->attrib->lengthMap[unsigned{' '}] == 0) few.push_back({{' '}});
         while (few.size() < kFew) {
             few.push_back(alphabet_.any(random_, excused && few.size() % 2 != 0));
             // Second bytes aren't folded: with a letter for one comes its other case.

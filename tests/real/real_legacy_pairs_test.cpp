@@ -13,6 +13,7 @@ TEST(LegacyPairs, AllPairsOfBytes) {
     int byteMaps = 0, rules = 0;
     for (const auto& [from, to] : RealFile::shared().pairs()) {
         const Route route(from, to);
+        const std::string pair = from + " to " + to;
         const bool isRule = route.type == Type::sjisToEuc || route.type == Type::eucToSjis;
         if (!isRule && route.type != Type::byteMap) continue;
         ++(isRule ? rules : byteMaps);
@@ -20,15 +21,15 @@ TEST(LegacyPairs, AllPairsOfBytes) {
         forEachCpuLevel([&] {
             const Outcome have = convert(route.table, source);
             EXPECT_EQ(have.status, want.status);
-            EXPECT_EQ(firstDifference(have.bytes, want.target), "") << from << " to " << to;
+            EXPECT_EQ(firstDifference(have.bytes, want.target), "") << pair;
             if (isRule) return;
             Bytes text = source;
             uint32_t count = 0;
             const auto size = static_cast<int32_t>(text.size());
             EXPECT_EQ(convertBytes(text.data(), size, text.data(), size, nullptr, 0, route.table, &count, 1),
                       NLS_CONV_CHANGED)
-                << from << " to " << to;
-            EXPECT_EQ(firstDifference(text, want.target), "") << from << " to " << to;
+                << pair;
+            EXPECT_EQ(firstDifference(text, want.target), "") << pair;
         });
     }
     EXPECT_EQ(byteMaps, 82);

@@ -45,7 +45,7 @@ TEST(CharsetNames, UnderALocaleItsCollationDecides) {
         EXPECT_EQ(find(lower.c_str()), NLS_OK);
         EXPECT_STREQ(canonical, *entry);
     }
-    for (const unsigned char digit : std::string("0123456789")) locale.coll().foldMap[digit] = '0';
+    for (unsigned digit = '0'; digit <= '9'; ++digit) locale.coll().foldMap[digit] = '0';
     EXPECT_EQ(find("UTF-9"), NLS_OK);
     EXPECT_STREQ(canonical, "UTF-8");
     EXPECT_EQ(find("999"), NLS_OK);

@@ -58,7 +58,8 @@ void KeyMaker::judgeBytes() {
         if (trailCount(order_.attrib(), static_cast<unsigned char>(byte)) != 0) return;
     }
     const bool isBasic = collation.collKind == 1 && collation.collSubKind == 0;
-    if (expands && (weights['s'] == 0 || order_.isBridged() || (isBasic && weights['s'] != 0x53))) return;
+    const unsigned char weightOfS = weights[unsigned{'s'}];
+    if (expands && (weightOfS == 0 || order_.isBridged() || (isBasic && weightOfS != 0x53))) return;
     usable_ = true;
     if (order_.isBridged()) findPlainCharacters();
 }
