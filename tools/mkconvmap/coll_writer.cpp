@@ -60,8 +60,9 @@ public:
         : collator_(collation.orderPlace, collation.locale), charset_(charset) {}
 
     // One weight after the other from `first`.
-    void weigh(std::vector<uint8_t> bytes, uint8_t first, WeightMaps& maps) {
+    void weigh(const std::vector<uint8_t>& bytes, uint8_t first, WeightMaps& maps) {
         std::vector<std::pair<Rank, uint8_t>> ranked;
+        ranked.reserve(bytes.size());
         for (const uint8_t byte : bytes) ranked.emplace_back(rankOf(byte), byte);
         std::sort(ranked.begin(), ranked.end());
         uint8_t weight = first;

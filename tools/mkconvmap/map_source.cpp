@@ -51,7 +51,7 @@ private:
     std::filesystem::path described(const Line& line, const char* folder, const std::string& name) const {
         checkedName(line.place, name);
         if (name.find('/') != std::string::npos) fail(line.place, "\"" + name + "\" is no name of a file");
-        const std::filesystem::path file = folder_ / folder / (name + ".txt");
+        std::filesystem::path file = folder_ / folder / (name + ".txt");
         if (!std::filesystem::exists(file)) fail(line.place, "there is no " + file.string());
         return file;
     }

@@ -28,6 +28,7 @@ struct Options {
 
 std::vector<FieldRange> rangesOf(const std::vector<std::string>& texts) {
     std::vector<FieldRange> ranges;
+    ranges.reserve(texts.size());
     for (const std::string& text : texts) ranges.push_back(parseFieldRange(text));
     return ranges;
 }
