@@ -13,6 +13,11 @@ inline CollKind kindOf(const nlsCollStruct& coll) {
     return CollKind{coll.collKind};
 }
 
+inline bool comparesByTables(const nlsCollStruct& coll) {
+    const CollKind kind = kindOf(coll);
+    return kind != CollKind::userSort && kind != CollKind::unicode && kind != CollKind::thai && kind != CollKind::icu;
+}
+
 // Byte tables take no other mode.
 inline bool isByteMode(uint16_t mode) {
     return mode <= 1;

@@ -13,6 +13,12 @@ public:
     unsigned trailCount(unsigned char first) const { return attrib_->lengthMap[first] & 0x07U; }
     bool oneColumn(unsigned char first) const { return (attrib_->lengthMap[first] & 0x08U) != 0; }
     bool isLetter(unsigned char byte) const { return attrib_->alphaMap[byte] != 0; }
+    // Asks the whole table, whatever the flags say.
+    bool hasOnlySingleBytes() const {
+        unsigned any = 0;
+        for (const unsigned char entry : attrib_->lengthMap) any |= entry;
+        return (any & 0x07U) == 0;
+    }
     bool mayTrail(unsigned char byte) const { return attrib_->trailMap[byte] != 0; }
 
     bool isUtf8() const { return has(NLS_CHARSET_UTF8); }
