@@ -20,8 +20,8 @@ if(NLS_SANITIZE)
   set(CMAKE_C_FLAGS_RELWITHDEBINFO "-O1 -g1")
   set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
   target_compile_options(nls_instrumented INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_link_options(nls_instrumented INTERFACE -fsanitize=address,undefined)
+    -fsanitize=${NLS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(nls_instrumented INTERFACE -fsanitize=${NLS_SANITIZE})
 endif()
 if(NLS_FUZZ)
   # The library tells the fuzzer which of its branches ran.
