@@ -1,4 +1,4 @@
-/* Byte buffers in a record, counters of bytes, characters and screen columns, case, and the names of charsets. */
+/* Byte buffers in a record, counters of bytes, characters and screen columns, case, LIKE, and the names of charsets. */
 #ifndef NLS_STRINGS_H
 #define NLS_STRINGS_H
 
@@ -135,6 +135,56 @@ NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const un
                         unchanged. A `bufSize` below 1 is no room: nothing is written */
 NLS_API nlsStatus nlsLowerCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
 NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
+
+/* ---- LIKE ----
+
+   Does `text` match `pattern` as SQL's LIKE has it, under the collation of the locale? `single`, `multi` and `escape`
+   are LChars, "_", "%" and a backslash for example, of one byte or several; an `escape` of 0 is none. Both texts end at
+   their NUL. `tls` may be null.
+
+   `single` takes exactly one character, `multi` any number of them, none too. A character of the pattern that is
+   neither, and each of the three behind an `escape`, is a literal: it takes the one character that is equal to it under
+   `compareMode` (0 folds, 1 is exact), as nlsCompareN compares one character with one. Under an exact byte table that
+   is the same character; a letter that counts as two never equals two letters.
+
+   Some results may surprise:
+
+     - `single`, `multi` and `escape` are known by their value and never folded; characters of the text have no meaning
+       of their own. A character of five bytes or more has the value of "?". Where `escape` has the value of one of the
+       others, that is no wildcard but the escape. Where `single` and `multi` are the same, it is `single`.
+     - Behind a literal that takes the last character, the pattern may end or go on with one `multi` that ends it:
+       "a" matches a% but not a%%.
+     - A `multi` that doesn't end the pattern needs a character in front of which it can stop: the empty text matches %
+       but not %%, and "a" doesn't match %%% behind a.
+     - Blanks at the end count: "ab" doesn't match "ab " nor the other way round. But the end of a text equals a blank
+       where the two are compared. So the empty text matches a pattern of one blank, a text of one blank matches the
+       empty pattern, and "a" matches "_ ".
+     - A `single` or `multi` of 0 has the value of the end of a pattern: the empty pattern then matches nothing, or
+       everything.
+
+   The result is a verdict or a status. The checks come first, in this order:
+
+   NLS_BAD_HANDLE (13)   the handle behind the locale; also for a null locale
+   NLS_BAD_LOCALE (24)
+   NLS_NO_ATTRIB (27)
+   NLS_BAD_ARG (16)      `pattern` or `text` is null
+
+   Then the pattern is followed along the text, and the first thing that decides is the answer:
+
+   1    the text matches
+   0    it doesn't
+   -1   an `escape` stands in front of anything but `single`, `multi` or `escape`, or at the end of the pattern
+   other statuses of nlsCompareN for a literal: NLS_BAD_COLLATION (25) for a locale without a collation,
+        NLS_BAD_COMPARE_MODE (19) for a mode that byte tables don't know, and what else the collation answers
+
+   What comes behind the place that decides isn't seen, so a bad escape there isn't either. Behind the first `multi`
+   only a match counts: a bad escape or a status there is no match, 0.
+
+   The time is at most proportional to the length of `text` times that of `pattern`, and the stack doesn't grow with
+   either. */
+NLS_API int32_t nlsSqlLike(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                           const unsigned char* text, uint16_t compareMode, nlsLChar escape, nlsLChar single,
+                           nlsLChar multi);
 
 /* ---- Names of charsets ---- */
 

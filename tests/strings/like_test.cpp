@@ -1,0 +1,180 @@
+#include "strings/like.hpp"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+#include <random>
+
+#include "core/base/cpu.hpp"
+#include "nls/strings.h"
+#include "tests/support/guarded_buffer.hpp"
+#include "tests/support/like_worlds.hpp"
+
+namespace {
+
+using nls::CpuLevel;
+using nls::test::bytesOf;
+using nls::test::CollatedLocale;
+using nls::test::GuardedBuffer;
+using nls::test::LikeSet;
+using nls::test::LikeWorld;
+using nls::test::LikeWorlds;
+
+constexpr std::size_t kLong = 100'000;
+constexpr LikeSet kUsual{'\\', '_', '%'};
+
+int32_t like(const nlsLocale* locale, const unsigned char* pattern, const unsigned char* text, uint16_t mode,
+             LikeSet signs) {
+    return nlsSqlLike(locale, nullptr, pattern, text, mode, signs.escape, signs.single, signs.multi);
+}
+
+class Like : public testing::TestWithParam<CpuLevel> {
+protected:
+    void SetUp() override { nls::limitCpuLevel(GetParam()); }
+    void TearDown() override { nls::limitCpuLevel(CpuLevel::avx512); }
+
+    // Beside the model, with a faulting page behind both texts.
+    void expect(const LikeWorld& world, const std::string& pattern, const std::string& text, uint16_t mode,
+                LikeSet signs) {
+        const unsigned char* const p = patterns_.atEnd(pattern.c_str(), pattern.size() + 1);
+        const unsigned char* const t = texts_.atEnd(text.c_str(), text.size() + 1);
+        const nls::reference::Like model{world.locale, mode, signs.escape, signs.single, signs.multi};
+        const int32_t want = model(p, t);
+        ASSERT_EQ(like(world.locale, p, t, mode, signs), want)
+            << world.name << ": " << testing::PrintToString(text) << " like " << testing::PrintToString(pattern)
+            << " in mode " << mode << std::hex << ", signs " << signs.escape << " " << signs.single << " "
+            << signs.multi;
+        ++seen_[want + 1];
+    }
+
+    LikeWorlds worlds_;
+    GuardedBuffer patterns_{4096}, texts_{4096};
+    unsigned seen_[64] = {};
+};
+INSTANTIATE_TEST_SUITE_P(Levels, Like, testing::Values(CpuLevel::baseline, CpuLevel::avx512));
+
+TEST(LikeDoor, Verdicts) {
+    const struct {
+        const char *text, *pattern;
+        int32_t want;
+    } rows[] = {
+        {"abc", "abc", 1},  {"abc", "ab", 0},    {"ab", "abc", 0},    {"abc", "a%", 1},      {"abc", "%c", 1},
+        {"abc", "%b%", 1},  {"abc", "a_c", 1},   {"abc", "a_", 0},    {"", "%", 1},          {"", "", 1},
+        {"", "_", 0},       {"", "%%", 0},       {"a", "a%", 1},      {"a", "a%%", 0},       {"ab", "ab ", 0},
+        {"ab ", "ab", 0},   {"", " ", 1},        {" ", "", 1},        {"  ", "", 0},         {"5%", "5\\%", 1},
+        {"5x", "5\\%", 0},  {"ax", "a\\x", -1},  {"bx", "a\\x", 0},   {"ax", "%\\x", 0},     {"ab", "a\\", -1},
+        {"a", "a\\", 0},    {"ABC", "a%c", 1},   {"\\", "\\\\", 1},   {"a", "_ ", 1},        {"ba", "%_ ", 1},
+        {"ba", "%a_ %", 0}, {"bac", "%a_ %", 1}, {"a_b", "%\\_b", 1}, {"axb", "%\\_b", 0},   {"aab", "%ab", 1},
+        {"ss", "\xDF", 0},  {"\xDF", "ss", 0},   {"\xDF", "\xDF", 1}, {"aXbXc", "%x%x%", 1},
+    };
+    CollatedLocale locale{nls::test::singleByteCharset(), nls::test::plainCollation()};
+    for (const auto& row : rows)
+        EXPECT_EQ(like(locale.get(), bytesOf(row.pattern), bytesOf(row.text), 0, kUsual), row.want)
+            << row.text << " like " << row.pattern;
+    EXPECT_EQ(like(locale.get(), bytesOf("a%c"), bytesOf("ABC"), 1, kUsual), 0);
+}
+
+TEST(LikeDoor, ChecksInTheirOrder) {
+    CollatedLocale made{nls::test::singleByteCharset(), nls::test::plainCollation()};
+    nlsLocale& locale = *made.get();
+    const auto answer = [](const nlsLocale* by, const unsigned char* pattern, const unsigned char* text) {
+        return like(by, pattern, text, 2, kUsual);
+    };
+    const auto* const text = bytesOf("a");
+    EXPECT_EQ(answer(&locale, text, text), NLS_BAD_COMPARE_MODE);
+    EXPECT_EQ(answer(&locale, bytesOf("_"), text), 1);
+    locale.coll = nullptr;
+    EXPECT_EQ(answer(&locale, text, text), NLS_BAD_COLLATION);
+    EXPECT_EQ(answer(&locale, bytesOf("%"), text), 1);
+    EXPECT_EQ(answer(&locale, bytesOf("%a"), text), 0);
+    EXPECT_EQ(answer(&locale, nullptr, text), NLS_BAD_ARG);
+    EXPECT_EQ(answer(&locale, text, nullptr), NLS_BAD_ARG);
+    locale.attrib = nullptr;
+    EXPECT_EQ(answer(&locale, nullptr, text), NLS_NO_ATTRIB);
+    locale.hdr.typeTag = NLS_TAG_CLOSED;
+    EXPECT_EQ(answer(&locale, nullptr, text), NLS_BAD_LOCALE);
+    locale.owner->hdr.typeTag = NLS_TAG_CLOSED;
+    EXPECT_EQ(answer(&locale, nullptr, text), NLS_BAD_HANDLE);
+    EXPECT_EQ(answer(nullptr, nullptr, text), NLS_BAD_HANDLE);
+}
+
+// Every pattern of up to five bytes against every text of up to four.
+TEST_P(Like, AllShortPatterns) {
+    for (const char* const name : {"single", "shift-jis"}) {
+        const LikeWorld& world = worlds_.at(name);
+        nls::test::forAllStrings("aB _%\\", name[1] == 'i' ? 5 : 4, [&](const std::string& pattern) {
+            nls::test::forAllStrings("aB ", 4, [&](const std::string& text) {
+                for (const LikeSet signs : {kUsual, LikeSet{'_', '_', '%'}}) expect(world, pattern, text, 0, signs);
+            });
+        });
+    }
+    EXPECT_NE(seen_[0], 0U);
+    EXPECT_NE(seen_[2], 0U);
+}
+
+std::string pieces(std::mt19937& random, const std::vector<std::string>& from, std::size_t longest,
+                   const std::string& often) {
+    std::string text;
+    for (std::size_t left = random() % (longest + 1); left != 0; --left)
+        text += random() % 3 == 0 ? often.substr(random() % often.size(), 1) : from[random() % from.size()];
+    return text;
+}
+
+TEST_P(Like, RandomPatternsInEveryWorld) {
+    std::mt19937 random{11};
+    for (const LikeWorld& world : worlds_.all()) {
+        for (unsigned round = 0; round < 4000; ++round) {
+            const LikeSet signs = round % 2 == 0 ? kUsual : world.signs[random() % world.signs.size()];
+            const std::string few{world.pieces[random() % world.pieces.size()]};
+            const std::string pattern = pieces(random, world.pieces, 7, "a_%%" + few);
+            const std::string text = pieces(random, world.pieces, 9, "aaA " + few);
+            const auto mode = static_cast<uint16_t>(random() % 8 == 0 ? 2 : random() % 2);
+            expect(world, pattern, text, mode, signs);
+            if (HasFatalFailure()) return;
+        }
+    }
+    for (const int want : {-1, 0, 1, int{NLS_BAD_COMPARE_MODE}, int{NLS_BAD_COLLATION}, int{NLS_NO_SJIS}})
+        EXPECT_NE(seen_[want + 1], 0U) << want;
+}
+
+// Runs `work` on a stack of 64 KiB.
+void onSmallStack(const std::function<void()>& work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 * 1024), 0);
+    pthread_t thread;
+    const auto run = [](void* what) -> void* { return (*static_cast<const std::function<void()>*>(what))(), nullptr; };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+std::string repeated(const std::string& piece, std::size_t count) {
+    std::string all;
+    while (count-- != 0) all += piece;
+    return all;
+}
+
+// What costs a recursion its stack, or the age of the universe.
+TEST_P(Like, HostilePatternsEnd) {
+    for (const char* const name : {"single", "shift-jis", "utf8, kind 3"}) {
+        const nlsLocale* const locale = worlds_.at(name).locale;
+        const auto verdict = [&](const std::string& pattern, std::size_t letters = kLong) {
+            int32_t answer = -7;
+            const std::string text(letters, 'A');
+            onSmallStack([&] { answer = like(locale, bytesOf(pattern), bytesOf(text), 0, kUsual); });
+            return answer;
+        };
+        EXPECT_EQ(verdict(repeated("%a", 100) + "%b"), 0) << name;
+        EXPECT_EQ(verdict(repeated("%a", 100) + "%a"), 1) << name;
+        EXPECT_EQ(verdict(std::string(kLong, '%')), 1) << name;
+        EXPECT_EQ(verdict(std::string(kLong, '%') + "b"), 0) << name;
+        EXPECT_EQ(verdict('%' + std::string(999, 'a') + "b%", 4000), 0) << name;
+        EXPECT_EQ(verdict('%' + std::string(999, 'a') + "b"), 0) << name;
+        EXPECT_EQ(verdict('%' + std::string(kLong - 1, 'a') + '_'), 1) << name;
+        EXPECT_EQ(verdict('%' + repeated("_ ", 40'000)), 0) << name;
+    }
+}
+
+}  // namespace
