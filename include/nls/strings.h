@@ -1,4 +1,5 @@
-/* Byte buffers in a record, counters of bytes, characters and screen columns, case, LIKE, and the names of charsets. */
+/* Byte buffers in a record, counters of bytes, characters and screen columns, case, search and replace, LIKE, and the
+   names of charsets. */
 #ifndef NLS_STRINGS_H
 #define NLS_STRINGS_H
 
@@ -136,6 +137,101 @@ NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const un
 NLS_API nlsStatus nlsLowerCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
 NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const nlsStr* from, nlsStr* to);
 
+/* ---- Search and replace ----
+
+   A match is a run of characters of the text that equal those of the pattern, one by one, under the locale's collation:
+   each pair is compared alone, as nlsCompareN compares it in mode `compareMode`. So a match can differ from the pattern
+   in bytes. Characters begin where the charset's table of lengths says; none is ever found inside another.
+
+   `pattern`, `replacement` and `text` end at their NUL and are only read. `tls` may be null. Text or pattern of 2 GiB
+   and more is refused with NLS_BAD_ARG.
+
+   Out-arguments:
+     pos    1-based position of the match's first byte in `text`; 0: there is none
+     end    offset of the byte behind the match, counted from 0; the match has `end` - `pos` + 1 bytes
+     found  the match's first byte, inside `text`; null: there is none
+   `found` may be null, which is refused; `pos`, `end` and `replaced` must not be.
+
+   All but nlsReplaceAll check in this order:
+     NLS_BAD_HANDLE (13)    the handle behind the locale; also for a null locale. Nothing is written
+     NLS_BAD_LOCALE (24)    the same
+                            From here on `*pos` is 0
+     NLS_BAD_ARG (16)       `pattern`, `text` or `found` is null; `*found` and `*end` are unchanged
+     NLS_NO_ATTRIB (27)     `*found` is null, `*end` unchanged
+     NLS_PARTIAL_CHAR (-4)  the last character of the pattern, or of the text, is cut short; `*found` and `*end` are
+                            unchanged. Only in charsets marked as multi-byte
+   Then characters are compared, and with the first comparison may come NLS_BAD_COLLATION (25) for a locale without a
+   collation, NLS_BAD_COMPARE_MODE (19), NLS_NO_SJIS (7) or NLS_NO_CONV_TABLE (8); `*found` and `*end` are unchanged.
+   Without a comparison (an empty text, one of fewer characters than the pattern) none of these comes.
+
+   NLS_OK comes with a match, and also without one: then `*found` is null, `*pos` 0 and `*end` unchanged.
+
+   Under a collation of byte tables, and under the order of Unicode, a search without wildcards takes time in proportion
+   to the lengths of pattern and text; blanks as trailing bytes of broken multi-byte text may void that. Otherwise the
+   time is at most in proportion to their product. */
+
+/* The first match in `text`. An empty `pattern` matches at the end: `*pos` and `*end` are the length of `text` plus 1,
+   and `*found` is its NUL. */
+NLS_API nlsStatus nlsSearchForw(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                const unsigned char* text, uint16_t compareMode, uint32_t* pos, uint32_t* end,
+                                const unsigned char** found);
+
+/* The same with wildcards: a "_" in the pattern (byte 5F, at the start of a character) stands for any one character.
+   Behind a character whose first byte is `escape`, which is left out, any character stands for itself. 0 is no escape,
+   and so is a number that no byte has.
+
+   At its edges a pattern with wildcards is taken by these rules:
+   - Wildcards at the start of the pattern pass over characters. Behind them the next character of the pattern is
+     compared, its NUL too, and a NUL equals a NUL and a blank. So a pattern of wildcards alone is found only where the
+     end of the text or a blank follows: "_" in "ab" at position 2.
+   - Later wildcards need no character: they match at the end of the text as well.
+   - A blank in the pattern matches the end of the text as well.
+   - An escape at the end of the pattern is the pattern's NUL, which is compared. */
+NLS_API nlsStatus nlsSearchForwWithEscape(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                          const unsigned char* text, uint16_t compareMode, int32_t escape,
+                                          uint32_t* pos, uint32_t* end, const unsigned char** found);
+
+/* Either of the two: nlsSearchForw for `wildcards` 0, whatever `escape` is, and nlsSearchForwWithEscape for any other
+   value. */
+NLS_API nlsStatus nlsSearchForwBase(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                    const unsigned char* text, uint16_t compareMode, uint16_t wildcards, int32_t escape,
+                                    uint32_t* pos, uint32_t* end, const unsigned char** found);
+
+/* The last match that ends at or in front of byte `textLen` of `text`, without wildcards. No byte from there on is
+   read, and `text` needs no NUL. The walk goes back as nlsGetPrevChar does; a character that `textLen` cuts short is
+   the bytes in front of it. An empty `pattern` matches at `textLen`: `*pos` is `textLen` plus 1. A NUL in the span ends
+   the counting of characters: as many candidates as it has characters in front of it are tried, from `textLen` on.
+
+   NLS_BAD_ARG (16) also for a negative `textLen`, behind the NLS_PARTIAL_CHAR of the pattern.
+   NLS_END_OF_STRING (20) for a `textLen` of 0 with a pattern that isn't empty; `*found` is unchanged. */
+NLS_API nlsStatus nlsSearchBack(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                const unsigned char* text, int32_t textLen, uint16_t compareMode, uint32_t* pos,
+                                const unsigned char** found);
+
+/* Puts `text` into `rec`, with `replacement` in place of the first match; the whole of `text` if there is none. An
+   empty `pattern` puts `replacement` behind the text. The buffer of `rec` must not overlap the three texts. `*pos`,
+   `*end` and `*found` are those of the search, whatever comes behind it.
+
+   First everything that nlsSearchForw answers other than NLS_OK; `rec` is then unchanged. Then
+   NLS_BAD_ARG (16)   `rec` is null; or `replacement` is, and there is a match: then the record is emptied as below
+   NLS_BUF_SMALL (2)  the result doesn't fit. If what stands in front of the match doesn't, or there is no match, `rec`
+                      is unchanged. Otherwise no half-replaced text stays: blanks are written over the bytes put there,
+                      a NUL over the first, and `strLength` is 0
+   NLS_OK             `rec` holds the result */
+NLS_API nlsStatus nlsReplace(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                             const unsigned char* replacement, const unsigned char* text, uint16_t compareMode,
+                             nlsStr* rec, uint32_t* pos, uint32_t* end, const unsigned char** found);
+
+/* The same for all matches. Each search begins behind the last match, so matches don't overlap, and what was put in
+   isn't searched. `*replaced` is the number of replacements made, also beside a failure; it is 0 before anything is
+   checked.
+
+   The statuses are those of nlsReplace, with one difference in NLS_BUF_SMALL and NLS_BAD_ARG: with a match, any failure
+   to copy empties the record, blanks over what it held; so does the first, which leaves `rec` unchanged there. Without
+   a match `rec` is unchanged. */
+NLS_API nlsStatus nlsReplaceAll(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                const unsigned char* replacement, const unsigned char* text, uint16_t compareMode,
+                                nlsStr* rec, uint32_t* replaced);
 /* ---- LIKE ----
 
    Does `text` match `pattern` as SQL's LIKE has it, under the collation of the locale? `single`, `multi` and `escape`

@@ -1,0 +1,23 @@
+// Matches of a search replaced, the result in the caller's record.
+// Tested by tests/strings/replace_test.cpp.
+#pragma once
+
+#include "core/base/views.hpp"
+#include "strings/match.hpp"
+
+namespace nls {
+
+// `text` with `replacement` in place of `match`, or unchanged where there is none. A record that can't take all behind
+// the match is emptied; `replacement` may be null, which is refused where there is a match.
+nlsStatus replaceMatch(nlsStr& record, ByteView text, const Match& match, const unsigned char* replacement);
+
+struct Replaced {
+    nlsStatus status;
+    uint32_t count;
+};
+// The same for all matches, with `record` null only where there is no match to come to it. REQUIRES: a NUL behind
+// pattern and text, and none in them.
+Replaced replaceAll(const Comparing& by, ByteView pattern, const unsigned char* replacement, ByteView text,
+                    nlsStr* record);
+
+}  // namespace nls

@@ -1,0 +1,131 @@
+// Search beside its slow twin: every short pattern and text over small alphabets, then random ones, in front of pages
+// that fault, on every processor.
+#include "strings/search.hpp"
+
+#include <gtest/gtest.h>
+
+#include "core/base/cpu.hpp"
+#include "tests/reference/search.hpp"
+#include "tests/support/guarded_buffer.hpp"
+#include "tests/support/search_locales.hpp"
+
+namespace nls::reference {
+
+static void PrintTo(const Found& found, std::ostream* out) {
+    *out << "status " << found.status << " pos " << found.pos << " end " << found.end << " found " << found.foundWritten
+         << " " << static_cast<const void*>(found.found);
+}
+
+}  // namespace nls::reference
+
+namespace nls::test {
+namespace {
+
+using reference::Found;
+
+constexpr int32_t kEscape = '\\';
+
+std::string hex(const std::string& bytes) {
+    std::string all;
+    for (const char byte : bytes) {
+        char two[4];
+        std::snprintf(two, sizeof two, "%02X ", static_cast<unsigned char>(byte));
+        all += two;
+    }
+    return all;
+}
+
+class Ours {
+public:
+    Ours(const nlsLocale* locale, uint16_t mode) : locale_(locale), mode_(mode) {}
+
+    Found forward(const unsigned char* pattern, const unsigned char* text, uint16_t wildcards, int32_t escape) const {
+        return told([&](Found& f) {
+            return nlsSearchForwBase(locale_, nullptr, pattern, text, mode_, wildcards, escape, &f.pos, &f.end,
+                                     &f.found);
+        });
+    }
+    Found backward(const unsigned char* pattern, const unsigned char* text, int32_t length) const {
+        return told(
+            [&](Found& f) { return nlsSearchBack(locale_, nullptr, pattern, text, length, mode_, &f.pos, &f.found); });
+    }
+
+private:
+    template <typename Call>
+    static Found told(Call call) {
+        static const unsigned char nowhere = 0;
+        Found answer{NLS_OK, 77, Found::unwritten, &nowhere, true};
+        answer.status = call(answer);
+        if (answer.found == &nowhere) answer.found = nullptr, answer.foundWritten = false;
+        return answer;
+    }
+
+    const nlsLocale* locale_;
+    uint16_t mode_;
+};
+
+// Pattern and text with their NULs directly in front of a page that faults; the span of a backward search as well.
+class Search : public testing::Test {
+protected:
+    void expectAll(const SearchLocale& by, uint16_t mode, const std::string& pattern, const std::string& text) {
+        const reference::Search model{by.get(), mode};
+        const Ours ours{by.get(), mode};
+        const unsigned char* const p = patterns_.atEnd(pattern.c_str(), pattern.size() + 1);
+        const unsigned char* const t = texts_.atEnd(text.c_str(), text.size() + 1);
+        const auto where = [&] {
+            return by.name + ", mode " + std::to_string(mode) + ": " + hex(pattern) + "in " + hex(text);
+        };
+        EXPECT_EQ(ours.forward(p, t, 0, kEscape), model.forward(p, t, false, 0)) << where();
+        for (const int32_t escape : {0, kEscape, int32_t{'_'}})
+            EXPECT_EQ(ours.forward(p, t, 1, escape), model.forward(p, t, true, escape)) << where() << escape;
+        const auto whole = static_cast<int32_t>(text.size());
+        for (const int32_t length : {whole, whole + 1})  // the NUL in the span, too
+            EXPECT_EQ(ours.backward(p, t, length), model.backward(p, t, length)) << where() << "back from " << length;
+        const auto part = static_cast<int32_t>(text.size() / 2);
+        const unsigned char* const span = texts_.atEnd(text.c_str(), text.size() / 2);
+        // The twin looks for the end of the text, which a span needn't have.
+        const unsigned char* const closed = t - part - 1;
+        const std::string half = text.substr(0, text.size() / 2);
+        std::memcpy(const_cast<unsigned char*>(closed), half.c_str(), half.size() + 1);
+        Found want = model.backward(p, closed, part);
+        std::memcpy(const_cast<unsigned char*>(span), half.data(), half.size());
+        if (want.found != nullptr) want.found += span - closed;
+        EXPECT_EQ(ours.backward(p, span, part), want) << where() << " back from " << part;
+    }
+    void TearDown() override { limitCpuLevel(CpuLevel::avx512); }
+
+    static constexpr std::size_t kLongest = 70'000;
+    GuardedBuffer patterns_{kLongest}, texts_{2 * kLongest};
+};
+
+constexpr CpuLevel kLevels[] = {CpuLevel::baseline, CpuLevel::avx2, CpuLevel::avx512};
+
+TEST_F(Search, EveryShortPatternInEveryShortText) {
+    for (const SearchLocale& by : searchLocales()) {
+        for (const uint16_t mode : {uint16_t{0}, uint16_t{1}, uint16_t{2}}) {
+            const std::size_t longest = mode == 2 ? 1 : 4;
+            forAllStrings(by.alphabet.substr(0, 4), longest, [&](const std::string& text) {
+                forAllStrings(by.alphabet, std::min<std::size_t>(longest, 2),
+                              [&](const std::string& pattern) { expectAll(by, mode, pattern, text); });
+                forAllStrings("_\\" + by.alphabet.substr(0, 2), 2,
+                              [&](const std::string& pattern) { expectAll(by, mode, pattern, text); });
+            });
+            if (HasFailure()) return;
+        }
+    }
+}
+
+TEST_F(Search, RandomPatternsInRandomTexts) {
+    std::mt19937 random{7};
+    const std::vector<SearchLocale> all = searchLocales();
+    for (unsigned round = 0; round < 60'000 && !HasFailure(); ++round) {
+        const SearchLocale& by = all[round % all.size()];
+        limitCpuLevel(kLevels[random() % 3]);
+        const bool utf8 = (by.locale->attrib().flags & NLS_CHARSET_UTF8) != 0;
+        const SearchPair pair = randomSearchPair(random, by.alphabet, utf8, random() % 8 == 0 ? 400 : 40);
+        expectAll(by, static_cast<uint16_t>(random() % 2), pair.pattern, pair.text);
+    }
+}
+
+}  // namespace
+}  // namespace nls::test
