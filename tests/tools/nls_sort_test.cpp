@@ -455,8 +455,13 @@ TEST(NlsSort, NamesOfManyLanguages) {
     EXPECT_GT(count, 8);
 }
 
-// Every collation of the real file: keys change nothing, and the keys of what is sorted rise.
+// The collations of the real file, exact and folded by turns: keys change nothing, and the keys of what is sorted rise.
 TEST(NlsSort, EveryCollationOfTheFile) {
+#ifdef __SANITIZE_ADDRESS__
+    constexpr int kEach = 5;  // their walks are few, and a start of the command takes long here
+#else
+    constexpr int kEach = 1;
+#endif
     std::ifstream file(NLS_CONVMAP, std::ios::binary);
     const OpenHandle open({std::istreambuf_iterator<char>(file), {}}, fileLimit);
     ASSERT_TRUE(open.isOpen());
@@ -467,20 +472,19 @@ TEST(NlsSort, EveryCollationOfTheFile) {
     for (int32_t i = 0; i < open.handle->tocCount; ++i) {
         const nlsTocEntry& entry = open.handle->toc[i];
         if (entry.entryType != 4 || std::string(entry.name1).starts_with("U") != (entry.name1 == "UTF-8"s)) continue;
-        ++collations;
+        if (++collations % kEach != 0) continue;
         const std::string order = std::string(entry.name1) + "/" + entry.name2;
-        for (const char* const mode : {"exact", "fold"}) {
-            const Answer plain = run({"sort", "-l", order, "-f", mode, in});
-            EXPECT_EQ(plain.exit, 0) << order << plain.err;
-            EXPECT_TRUE(run({"sort", "-l", order, "-f", mode, "--keys", in}).out == plain.out) << order;
-            // Thai keys have an order of their own, and so have texts that aren't valid.
-            if (mode == "fold"s && entry.name1 != "620-2533"s &&
-                std::string(entry.name1).find("JIS") == std::string::npos && entry.name1 != "UTF-8"s) {
-                std::istringstream keys(run({"key", "-l", order, "-f", mode, "--hex"}, plain.out).out);
-                std::string last;
-                for (std::string key; std::getline(keys, key); last = key) EXPECT_LE(last, key) << order;
-            }
-        }
+        const char* const mode = collations % 2 == 0 ? "exact" : "fold";
+        const Answer plain = run({"sort", "-l", order, "-f", mode, in});
+        EXPECT_EQ(plain.exit, 0) << order << plain.err;
+        EXPECT_TRUE(run({"sort", "-l", order, "-f", mode, "--keys", in}).out == plain.out) << order;
+        // Thai keys have an order of their own, and so have texts that aren't valid.
+        if (entry.name1 == "620-2533"s || std::string(entry.name1).find("JIS") != std::string::npos ||
+            entry.name1 == "UTF-8"s)
+            continue;
+        std::istringstream keys(run({"key", "-l", order, "-f", mode, "--hex"}, plain.out).out);
+        std::string last;
+        for (std::string key; std::getline(keys, key); last = key) EXPECT_LE(last, key) << order;
     }
     EXPECT_GT(collations, 50);
 }
