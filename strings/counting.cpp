@@ -7,49 +7,10 @@
 
 #include "nls/status.h"
 #include "strings/str_record.hpp"
-#include "strings/utf8_block.hpp"
+#include "strings/stride.hpp"
 
 namespace nls {
 namespace {
-
-// What a charset's trail counts let a walk take at once.
-enum class Stride {
-    character,  // one character
-    ascii,      // a block without a byte above 0x7F
-    utf8,       // a block of plain UTF-8
-    byte,       // all of the text: every character is one byte
-};
-
-unsigned anyTrail(const Charset& charset, unsigned first, unsigned last) {
-    unsigned any = 0;
-    for (unsigned byte = first; byte <= last; ++byte) any |= charset.trailCount(static_cast<unsigned char>(byte));
-    return any;
-}
-
-bool alwaysTrail(const Charset& charset, unsigned first, unsigned last, unsigned count) {
-    unsigned other = 0;
-    for (unsigned byte = first; byte <= last; ++byte) {
-        other |= charset.trailCount(static_cast<unsigned char>(byte)) ^ count;
-    }
-    return other == 0;
-}
-
-bool countsAsUtf8(const Charset& charset) {
-    return alwaysTrail(charset, 0xC2, 0xDF, 1) && alwaysTrail(charset, 0xE0, 0xEF, 2) &&
-           alwaysTrail(charset, 0xF0, 0xF4, 3);
-}
-
-Stride strideOf(const Charset& charset, std::size_t length) {
-    if (length < blockSize || anyTrail(charset, 0, 0x7F) != 0) return Stride::character;
-    if (anyTrail(charset, 0x80, 0xFF) == 0) return Stride::byte;
-    return charset.isUtf8() && countsAsUtf8(charset) ? Stride::utf8 : Stride::ascii;
-}
-
-// The next 64 bytes as the stride takes them; not plain where it can't.
-Utf8Block blockAt(Stride stride, const ByteBlock& bytes) {
-    if (stride == Stride::utf8) return readUtf8Block(bytes);
-    return {bytes.high() == 0, blockSize, ~uint64_t{0}};
-}
 
 // Counts characters from a place on, up to a limit of them or the end of the text.
 class CharWalk {
@@ -173,6 +134,12 @@ Counted countBytes(const Charset& charset, const unsigned char* text, int32_t ch
     CharWalk walk{charset, ByteView{text, length}};
     const nlsStatus status = walk.run(limit);
     return {status, static_cast<uint32_t>(walk.place() - text)};
+}
+
+WholeCharacters wholeCharacters(const Charset& charset, ByteView text) {
+    CharWalk walk{charset, text};
+    (void)walk.run(UINT32_MAX);
+    return {walk.chars(), static_cast<std::size_t>(walk.place() - text.data())};
 }
 
 uint32_t countColumns(const Charset& charset, ByteView span) {

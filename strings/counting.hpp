@@ -19,6 +19,13 @@ struct Counted {
 // Characters in `text`, which holds no NUL. By the charset's flag: every byte is one unless it is multi-byte.
 Counted countChars(const Charset& charset, ByteView text);
 
+// The characters of `text` up to the one that runs past its end, with their bytes. A text without NULs.
+struct WholeCharacters {
+    uint32_t chars;
+    std::size_t bytes;
+};
+WholeCharacters wholeCharacters(const Charset& charset, ByteView text);
+
 // Bytes of the first `charCount` characters of the NUL-terminated `text`.
 Counted countBytes(const Charset& charset, const unsigned char* text, int32_t charCount);
 

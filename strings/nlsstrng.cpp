@@ -1,4 +1,4 @@
-// Door: records of text, byte copies, counters, case, LIKE, names of charsets.
+// Door: records of text, byte copies, counters, well-formed text, cuts, case, LIKE, names of charsets.
 #include <cstring>
 
 #include "core/base/checks.hpp"
@@ -8,6 +8,8 @@
 #include "strings/counting.hpp"
 #include "strings/like.hpp"
 #include "strings/str_record.hpp"
+#include "strings/substr.hpp"
+#include "strings/validate.hpp"
 
 // ---- Records ----
 
@@ -122,6 +124,32 @@ nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock*, const unsigned char*
     const nls::Counted counted = bytesOfChars(locale, s, charCount);
     if (counted.status != NLS_OK) return counted.status;
     return nls::replaceText(*rec, s, counted.count);
+}
+
+// ---- Well-formed text, and cuts ----
+
+nlsStatus nlsValidateString(const nlsLocale* locale, nlsTlsBlock*, const unsigned char* s, int32_t byteLen,
+                            uint32_t bigEndian, uint32_t* chars) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    *chars = 0;
+    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
+    if (s == nullptr) return NLS_BAD_ARG;
+    const nls::HighByte highByte = bigEndian != 0 ? nls::HighByte::first : nls::HighByte::second;
+    const nls::Validated text = nls::validateText(nls::Charset{*locale->attrib}, s, byteLen, highByte);
+    *chars = text.chars;
+    return text.status;
+}
+
+nlsStatus nlsSubstr(const nlsLocale* locale, nlsTlsBlock*, const unsigned char* s, int32_t start, int32_t byteCount,
+                    uint32_t* chars, nlsStr* rec) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    *chars = 0;
+    if (s == nullptr || rec == nullptr) return NLS_BAD_ARG;
+    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
+    const nls::Cut cut = nls::cutCharacters(nls::Charset{*locale->attrib}, s, start, byteCount);
+    if (cut.status != NLS_OK) return cut.status;
+    *chars = cut.chars;
+    return nls::replaceText(*rec, cut.bytes.data(), static_cast<int64_t>(cut.bytes.size()));
 }
 
 // ---- Case ----

@@ -25,6 +25,8 @@ public:
     bool isMultiByte() const { return has(NLS_CHARSET_MULTI_BYTE); }
     bool isSingleByte() const { return has(NLS_CHARSET_SINGLE_BYTE); }
     bool comparesViaSjis() const { return has(NLS_CHARSET_VIA_SJIS); }
+    bool hasUnits16() const { return has(NLS_CHARSET_UNITS16); }
+    bool hasUnits32() const { return has(NLS_CHARSET_UNITS32); }
     bool isCp936() const { return has(NLS_CHARSET_CP936); }
 
 private:

@@ -1,11 +1,12 @@
-/* Characters of a locale's charset: where one ends and the next begins, and what it is.
+/* Characters of a locale's charset: where one ends and the next begins, what it is, where one stands in a text, and
+   where a text begins and ends without the members of a trim set.
 
    A character is its first byte and as many trailing bytes as the charset's table tells for that first byte, 0 to 7.
    A NUL is never part of a character: where one stands in place of a trailing byte, the string ends there and its last
    character is cut short. Cut-short characters are no error here.
 
    All places are byte pointers into the caller's NUL-terminated text. Nothing is allocated and nothing kept, so that
-   any number of threads may call at once. `tls` may be null and is not read.
+   any number of threads may call at once. `tls` may be null; stepping and classes don't read it.
 
    Every function with a locale checks, first of all and in this order: the handle behind the locale (NLS_BAD_HANDLE,
    also for a null locale), the locale itself (NLS_BAD_LOCALE). After these two no out-argument has been written. */
@@ -93,6 +94,64 @@ NLS_API nlsStatus nlsGetCharProperty(const nlsLocale* locale, nlsTlsBlock* tls, 
 
    1 also if `attrib` is null, or `p` is `start` or lies in front of it. */
 NLS_API uint32_t nlsFirstByte(const nlsAttribStruct* attrib, const unsigned char* p, const unsigned char* start);
+
+/* ---- Find and trim ----
+
+   A character matches another where the collation of the locale takes the two for equal under `compareMode` (1 exact, 0
+   folded), each compared alone as nlsCompareN does, so it may differ in its bytes. A blank equals an empty text.
+
+   A place is told twice: as a pointer, and in `*pos` as a byte position in `str`, counted from 1; 0 and a null pointer
+   say that there is none. `tls` goes to the comparison and may be null. `pos` must not be null.
+
+   After the checks of handle and locale `*pos` is 0, and stays 0 with every status but NLS_OK:
+
+   NLS_OK                     the answer stands in `*pos` and `*found`, also where nothing was found
+   NLS_BAD_ARG (16)           `found`, `str` or, of the find functions, `lcharPtr` is null. Of the find functions
+                              `*found` is null where `found` isn't; the trim functions leave it unwritten
+   NLS_NO_ATTRIB (27)         the locale has no attribute table; `*found` is null
+   NLS_BAD_COLLATION (25), NLS_BAD_COMPARE_MODE (19) and what else nlsCompareN answers
+                              once a character is compared, so not for an empty text; `*found` is unwritten unless told
+                              otherwise
+
+   Nothing is written into a text, under a site's own sort neither. */
+
+/* The first character of `str`, up to its NUL, that matches `*lcharPtr`. For the LChar 0 that is the terminator. Of an
+   LChar the bytes count from the first that isn't 0 up to the next that is: 0x410000 asks for "A". */
+NLS_API nlsStatus nlsFindCharForw(const nlsLocale* locale, nlsTlsBlock* tls, const nlsLChar* lcharPtr,
+                                  const unsigned char* str, uint16_t compareMode, uint32_t* pos,
+                                  const unsigned char** found);
+
+/* The last such character that begins in the first `len` bytes of `str`, which may hold NULs: each is an empty text to
+   the comparison. The walk back goes as nlsGetPrevChar does. Text behind these bytes counts in two cases alone: a
+   character that `len` cuts short is compared whole, up to the NUL at most, so `str` has one there; and for the LChar 0
+   the answer is the terminator of `str`, wherever it stands. A `len` below 0 counts as 0: there is no character.
+
+   Beside a status of nlsCompareN `*found` is the character that could not be compared. */
+NLS_API nlsStatus nlsFindCharBack(const nlsLocale* locale, nlsTlsBlock* tls, const nlsLChar* lcharPtr,
+                                  const unsigned char* str, int32_t len, uint16_t compareMode, uint32_t* pos,
+                                  const unsigned char** found);
+
+/* The first character of `str`, up to its NUL, that matches none of the NUL-terminated `trimSet`; the terminator if all
+   do. A null `trimSet` is the set of the blank alone. A character of five bytes or more is looked for as "?", as
+   nlsCharToLChar reads it. */
+NLS_API nlsStatus nlsFindLtrimPtrForw(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* trimSet,
+                                      const unsigned char* str, uint16_t compareMode, uint32_t* pos,
+                                      const unsigned char** found);
+
+/* The place behind the last character of the first `len` bytes of `str` that isn't found in `trimSet`, so that `*pos` -
+   1 is the length of the trimmed text; `str` and 1 if nothing stays, and for a `len` at or below 0. A null `trimSet` is
+   the set of the blank alone. `tls` isn't read.
+
+   The walk back goes as nlsGetPrevChar does, and what it goes over in one step is looked for in `trimSet` as
+   nlsSearchForw does, the step's bytes alone being the pattern. Where text isn't well-formed a step can go over several
+   characters, and these are looked for together. A NUL ends the pattern; one at its start makes it empty, and an empty
+   pattern is found, so NULs at the end of the text are trimmed. Nothing at or behind `str` + `len` is read.
+
+   NLS_PARTIAL_CHAR (-4)      a step went over a character that lacks trailing bytes, in front of its end or of a NUL,
+                              or `trimSet` ends in one; `*found` is unwritten */
+NLS_API nlsStatus nlsFindRtrimPtrBack(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* trimSet,
+                                      const unsigned char* str, int32_t len, uint16_t compareMode, uint32_t* pos,
+                                      const unsigned char** found);
 
 NLS_END_DECLS
 

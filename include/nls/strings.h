@@ -1,5 +1,5 @@
-/* Byte buffers in a record, counters of bytes, characters and screen columns, case, search and replace, LIKE, and the
-   names of charsets. */
+/* Byte buffers in a record, counters of bytes, characters and screen columns, well-formed text and cuts, case, search
+   and replace, LIKE, and the names of charsets. */
 #ifndef NLS_STRINGS_H
 #define NLS_STRINGS_H
 
@@ -110,6 +110,60 @@ NLS_API nlsStatus nlsCountChars(const nlsLocale* locale, nlsTlsBlock* tls, const
    if that is NLS_OK as nlsCopyString. After any other status than NLS_OK the record is unchanged. */
 NLS_API nlsStatus nlsExtract(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t charCount,
                              nlsStr* rec);
+
+/* ---- Well-formed text, and cuts ---- */
+
+/* Is the text at `s` well-formed in the locale's charset, and how many characters does it hold? The first checks are
+   the handle behind the locale (NLS_BAD_HANDLE, also for a null locale) and the locale (NLS_BAD_LOCALE); with these
+   two `*chars` is unwritten. Then come its attribute table (NLS_NO_ATTRIB (27)) and a null `s` (NLS_BAD_ARG), with
+   `*chars` 0. After every other status `*chars` is the number of whole characters in front of the fault, or in all.
+   `chars` must not be null; `tls` may be and is not read. The flags of the charset choose one of four ways:
+
+   Not multi-byte. The text ends at its NUL, wherever that stands; `*chars` is its length in bytes.
+     NLS_OK                  that is `byteLen`
+     NLS_END_OF_STRING (20)  it is less, or more
+
+   16-bit units, `byteLen` bytes of them. The high byte of each stands first if `bigEndian` isn't 0, else second. A pair
+   of surrogates is one character.
+     NLS_OK                   also for a `byteLen` at or below 0, with `*chars` 0
+     NLS_END_OF_STRING (20)   a unit of zeros
+     NLS_INVALID_STRING (33)  a high surrogate that no low one follows (units of zeros and the end included), or a low
+                              one behind no high one
+     NLS_PARTIAL_CHAR (-4)    all is well but for a last byte that makes no unit; it isn't looked at
+
+   32-bit units, in the same way. Surrogates pass.
+     NLS_OK                  also for a `byteLen` at or below 0, with `*chars` 0
+     NLS_END_OF_STRING (20)  a unit of zeros
+     NLS_BAD_ARG (16)        a unit above 0x10FFFF
+     NLS_PARTIAL_CHAR (-4)   all is well but for one to three last bytes that make no unit
+
+   Other multi-byte charsets, `byteLen` bytes.
+     NLS_BAD_ARG (16)        in UTF-8, first of all: the first byte has the form 10xxxxxx. It is looked at even where
+                             `byteLen` is at or below 0, so `s` has at least that byte
+     NLS_OK                  also for a `byteLen` at or below 0, with `*chars` 0
+     NLS_END_OF_STRING (20)  a NUL where a character should begin: the text ends sooner than told
+     NLS_PARTIAL_CHAR (-4)   the last character announces more bytes than there are
+     NLS_BAD_ARG (16)        a byte that can't trail, where a trailing byte should stand
+
+   But for the two exceptions told, nothing at or behind `s` + `byteLen` is read. */
+NLS_API nlsStatus nlsValidateString(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t byteLen,
+                                    uint32_t bigEndian, uint32_t* chars);
+
+/* Copies into `rec` the whole characters that lie in the `byteCount` bytes of `s` from byte position `start` on,
+   counted from 1. A character that straddles either end of that span is left out, and so is one that the NUL of `s`
+   cuts short; the span may go on behind the NUL. `*chars` is the number of characters in the span, and stands also
+   where copying them fails. `chars` must not be null; `tls` may be and is not read.
+
+   NLS_BAD_HANDLE (13)  the handle behind the locale; also for a null locale. `*chars` is unwritten
+   NLS_BAD_LOCALE (24)  the same
+                        From here on `*chars` is 0 until the characters have been counted
+   NLS_BAD_ARG (16)     `s` or `rec` is null
+   NLS_NO_ATTRIB (27)
+   NLS_BAD_ARG (16)     `start` is below 1, or `start` or `byteCount` exceeds the length of `s` in bytes
+   NLS_BUF_SMALL (2)    the characters and a NUL don't fit. This and all above leave `rec` unchanged
+   NLS_OK               copied. Where no character lies in the span, as with a `byteCount` below 1, `rec` is empty */
+NLS_API nlsStatus nlsSubstr(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s, int32_t start,
+                            int32_t byteCount, uint32_t* chars, nlsStr* rec);
 
 /* ---- Case ---- */
 

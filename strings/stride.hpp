@@ -1,0 +1,30 @@
+// How far a walk over characters may step at once: 64 bytes where the charset's table and the text allow it.
+//
+// Any table is legal, so it is looked through first; that costs as much as some ten characters, and text of less than a
+// block goes character by character. Tested by tests/strings/counting_test.cpp.
+#pragma once
+
+#include <cstddef>
+
+#include "core/base/charset.hpp"
+#include "strings/utf8_block.hpp"
+
+namespace nls {
+
+enum class Stride {
+    character,  // one character
+    ascii,      // a block without a byte above 0x7F
+    utf8,       // a block of plain UTF-8
+    byte,       // all of the text: every character is one byte
+};
+
+// For a text of `length` bytes.
+Stride strideOf(const Charset& charset, std::size_t length);
+
+// The next 64 bytes as the stride takes them; not plain where it can't.
+inline Utf8Block blockAt(Stride stride, const ByteBlock& bytes) {
+    if (stride == Stride::utf8) return readUtf8Block(bytes);
+    return {bytes.high() == 0, blockSize, ~uint64_t{0}};
+}
+
+}  // namespace nls

@@ -1,0 +1,78 @@
+#include "strings/validate.hpp"
+
+#include <algorithm>
+
+#include "core/base/views.hpp"
+#include "nls/status.h"
+#include "strings/stride.hpp"
+#include "strings/validate_units.hpp"
+
+namespace nls {
+namespace {
+
+bool isUtf8Trail(unsigned char byte) {
+    return (byte & 0xC0U) == 0x80U;
+}
+
+Validated validateSingleBytes(const unsigned char* text, int32_t byteLen) {
+    const std::size_t length = untilNul(text).size();
+    const bool asTold = byteLen >= 0 && length == static_cast<std::size_t>(byteLen);
+    return {asTold ? NLS_OK : NLS_END_OF_STRING, static_cast<uint32_t>(length)};
+}
+
+// The steps that a walk may take over text that is to be judged: a block of UTF-8 can be trusted only if every byte
+// that trails there may trail by the charset's table.
+Stride judgingStride(const Charset& charset, std::size_t length) {
+    const Stride stride = strideOf(charset, length);
+    if (stride != Stride::utf8) return stride;
+    bool all = true;
+    for (unsigned byte = 0x80; byte < 0xC0; ++byte) all = all && charset.mayTrail(static_cast<unsigned char>(byte));
+    return all ? Stride::utf8 : Stride::ascii;
+}
+
+// The first character of `rest`. REQUIRES: it isn't empty.
+nlsStatus judgeCharacter(const Charset& charset, ByteView rest) {
+    if (rest[0] == 0) return NLS_END_OF_STRING;
+    const std::size_t trails = charset.trailCount(rest[0]);
+    if (trails >= rest.size()) return NLS_PARTIAL_CHAR;
+    for (std::size_t i = 1; i <= trails; ++i) {
+        if (!charset.mayTrail(rest[i])) return NLS_BAD_ARG;
+    }
+    return NLS_OK;
+}
+
+Validated validateCharacters(const Charset& charset, ByteView text) {
+    const Stride stride = judgingStride(charset, text.size());
+    std::size_t pos = 0;
+    uint32_t chars = 0;
+    while (pos < text.size()) {
+        if (stride != Stride::character && text.size() - pos >= blockSize) {
+            const ByteBlock bytes{text.data() + pos};
+            const Utf8Block block = blockAt(stride, bytes);
+            if (block.plain && bytes.equal(0) == 0) {
+                chars += bitCount(block.starts);
+                pos += block.bytes;
+                continue;
+            }
+        }
+        const std::size_t pause = std::min(text.size(), pos + blockSize);
+        for (; pos < pause; pos += charset.trailCount(text[pos]) + std::size_t{1}) {
+            if (const nlsStatus bad = judgeCharacter(charset, text.subspan(pos))) return {bad, chars};
+            ++chars;
+        }
+    }
+    return {NLS_OK, chars};
+}
+
+}  // namespace
+
+Validated validateText(const Charset& charset, const unsigned char* text, int32_t byteLen, HighByte highByte) {
+    if (!charset.isMultiByte()) return validateSingleBytes(text, byteLen);
+    const ByteView bytes = firstBytes(text, byteLen);
+    if (charset.hasUnits16()) return validateUtf16(bytes, highByte);
+    if (charset.hasUnits32()) return validateUtf32(bytes, highByte);
+    if (charset.isUtf8() && isUtf8Trail(*text)) return {NLS_BAD_ARG, 0};
+    return validateCharacters(charset, bytes);
+}
+
+}  // namespace nls
