@@ -94,10 +94,14 @@ TrimPlace trimLeft(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned cha
         while (*text != 0 && members.has(*text)) ++text;
         return {NLS_OK, text};
     }
+    nlsLChar known = 0;  // the last member: most texts begin with a run of one
     while (*text != 0) {
         const LCharRead character = readLChar(Charset{*locale.attrib}, text);
-        const FoundChar member = findCharForward(locale, tls, character.value, set, mode);
-        if (member.status != NLS_OK || member.place == nullptr) return {member.status, text};
+        if (character.value != known) {
+            const FoundChar member = findCharForward(locale, tls, character.value, set, mode);
+            if (member.status != NLS_OK || member.place == nullptr) return {member.status, text};
+            known = character.value;
+        }
         text = character.next;
     }
     return {NLS_OK, text};
@@ -111,12 +115,16 @@ TrimPlace trimRight(const nlsLocale& locale, const unsigned char* set, ByteView 
         return {NLS_OK, endByEntries(EntrySet{WeightMap::of(*locale.coll, mode), set}, text)};
     const SetSearch search{locale, set, mode};
     const unsigned char* end = text.data() + text.size();
+    ByteView known;  // the last member: most texts end with a run of one
     while (end != text.data()) {
-        const unsigned char* const last = previousCharacter(charset, end, text.data());
-        const Compared member = search.find(ByteView{last, end});
-        if (member.status != NLS_OK) return {member.status, nullptr};
-        if (static_cast<uint16_t>(member.sign) != 0) break;
-        end = last;
+        const ByteView last{previousCharacter(charset, end, text.data()), end};
+        if (!std::ranges::equal(last, known)) {
+            const Compared member = search.find(last);
+            if (member.status != NLS_OK) return {member.status, nullptr};
+            if (static_cast<uint16_t>(member.sign) != 0) break;
+            known = last;
+        }
+        end = last.data();
     }
     return {NLS_OK, end};
 }

@@ -30,34 +30,35 @@ Stride judgingStride(const Charset& charset, std::size_t length) {
     return all ? Stride::utf8 : Stride::ascii;
 }
 
-// The first character of `rest`. REQUIRES: it isn't empty.
-nlsStatus judgeCharacter(const Charset& charset, ByteView rest) {
-    if (rest[0] == 0) return NLS_END_OF_STRING;
-    const std::size_t trails = charset.trailCount(rest[0]);
-    if (trails >= rest.size()) return NLS_PARTIAL_CHAR;
-    for (std::size_t i = 1; i <= trails; ++i) {
-        if (!charset.mayTrail(rest[i])) return NLS_BAD_ARG;
+// The character at `place`, which is in front of `end`.
+inline nlsStatus judgeCharacter(const Charset& charset, const unsigned char* place, const unsigned char* end) {
+    if (*place == 0) return NLS_END_OF_STRING;
+    const unsigned trails = charset.trailCount(*place);
+    if (end - place <= static_cast<std::ptrdiff_t>(trails)) return NLS_PARTIAL_CHAR;
+    for (unsigned i = 1; i <= trails; ++i) {
+        if (!charset.mayTrail(place[i])) return NLS_BAD_ARG;
     }
     return NLS_OK;
 }
 
 Validated validateCharacters(const Charset& charset, ByteView text) {
     const Stride stride = judgingStride(charset, text.size());
-    std::size_t pos = 0;
+    const unsigned char* place = text.data();
+    const unsigned char* const end = place + text.size();
     uint32_t chars = 0;
-    while (pos < text.size()) {
-        if (stride != Stride::character && text.size() - pos >= blockSize) {
-            const ByteBlock bytes{text.data() + pos};
+    while (place != end) {
+        if (stride != Stride::character && static_cast<std::size_t>(end - place) >= blockSize) {
+            const ByteBlock bytes{place};
             const Utf8Block block = blockAt(stride, bytes);
             if (block.plain && bytes.equal(0) == 0) {
                 chars += bitCount(block.starts);
-                pos += block.bytes;
+                place += block.bytes;
                 continue;
             }
         }
-        const std::size_t pause = std::min(text.size(), pos + blockSize);
-        for (; pos < pause; pos += charset.trailCount(text[pos]) + std::size_t{1}) {
-            if (const nlsStatus bad = judgeCharacter(charset, text.subspan(pos))) return {bad, chars};
+        const unsigned char* const pause = place + std::min<std::ptrdiff_t>(end - place, blockSize);
+        for (; place < pause; place += charset.trailCount(*place) + 1) {
+            if (const nlsStatus bad = judgeCharacter(charset, place, end)) return {bad, chars};
             ++chars;
         }
     }
