@@ -10,23 +10,6 @@ namespace {
 constexpr std::size_t kBlock = 64;
 constexpr char kTrailCount = 0x07;
 
-struct Seconds {
-    __mmask64 lanes;  // second bytes
-    bool next;        // the last lane is a first byte
-};
-
-// Which bytes are second ones. In a run of bytes that could all be first ones they pair off from the left: the carry of
-// an addition at the start of each run that begins in an even lane tells those runs from the others. `leads` are the
-// bytes that could be first ones; where `second` holds, the first lane is a second byte.
-NLS_TARGET_AVX512 inline Seconds pairOff(__mmask64 leads, bool second, std::size_t count) {
-    constexpr std::uint64_t kEven = 0x5555555555555555;
-    leads &= ~std::uint64_t{second};
-    const std::uint64_t starts = leads & ~(leads << 1);
-    const std::uint64_t fromEven = leads & ~(leads + (starts & kEven));
-    const std::uint64_t first = (fromEven & kEven) | (leads & ~fromEven & ~kEven);
-    return {first << 1 | std::uint64_t{second}, (first >> (count - 1) & 1) != 0};
-}
-
 NLS_TARGET_AVX512 inline bool announcesNothing(const WeightRows& lengths) {
     const __m512i all = _mm512_or_si512(_mm512_or_si512(lengths.row[0], lengths.row[1]),
                                         _mm512_or_si512(lengths.row[2], lengths.row[3]));

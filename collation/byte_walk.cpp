@@ -1,5 +1,6 @@
 #include "collation/byte_walk.hpp"
 
+#include "collation/byte_step.hpp"
 #include "collation/equal_run.hpp"
 #include "collation/single_byte_walk.hpp"
 #include "core/base/cpu.hpp"
@@ -97,47 +98,6 @@ int skipEqualBytes(const ByteRoute& route, Text& a, Text& b) {
 bool beginAlike(Text a, Text b) {
     if (*a.place != *b.place || a.place + 1 == a.limit || b.place + 1 == b.limit) return false;
     return a.place[1] == b.place[1];
-}
-
-// What a step came to: the answer, or that both have moved on.
-enum class Step { before = -1, movedOn = 0, after = 1, unusual = 2 };
-
-Step stepOf(unsigned a, unsigned b) {
-    return static_cast<Step>(orderOf(a, b));
-}
-
-struct Character {
-    unsigned first;   // weight; 0 for what a step can't take: an expansion, a character that is cut off
-    unsigned second;  // its second byte, or kNoSecond
-    std::ptrdiff_t bytes;
-};
-constexpr unsigned kNoSecond = 256;
-
-// REQUIRES: the text hasn't ended.
-inline Character readCharacter(const ByteRoute& route, Text text) {
-    const unsigned char byte = *text.place;
-    const unsigned weight = route.weights.entry(byte);
-    if (weight == 0 || route.charset.trailCount(byte) == 0) return {weight, kNoSecond, 1};
-    if (Text{text.place + 1, text.limit}.atEnd()) return {0, kNoSecond, 1};
-    const unsigned char second = text.place[1];
-    if (route.bridge.changesNothing()) return {weight, second, 2};
-    const BridgedPair crossed = route.bridge.cross(byte, second);
-    return {route.weights.entry(crossed.first), crossed.single ? kNoSecond : crossed.second, 2};
-}
-
-// REQUIRES: both stand between characters, and neither has ended.
-Step stepOverCharacters(const ByteRoute& route, Text& a, Text& b) {
-    const Character ofA = readCharacter(route, a), ofB = readCharacter(route, b);
-    if (ofA.first == 0 || ofB.first == 0) return Step::unusual;
-    if (ofA.first != ofB.first) return stepOf(ofA.first, ofB.first);
-    if (ofA.second != ofB.second) {
-        // A second byte against the first one of the next character.
-        if (ofA.second == kNoSecond || ofB.second == kNoSecond) return Step::unusual;
-        return stepOf(ofA.second, ofB.second);
-    }
-    a.place += ofA.bytes;
-    b.place += ofB.bytes;
-    return Step::movedOn;
 }
 
 // Weight by weight, until both stand between characters again.

@@ -45,6 +45,11 @@ inline std::size_t leftInBothPages(const unsigned char* a, const unsigned char* 
     return std::min(leftInPage(a), leftInPage(b));
 }
 
+// Do `count` bytes lie in one page? They are at most a block.
+inline bool staysInPage(const unsigned char* place, std::size_t count) {
+    return (reinterpret_cast<std::uintptr_t>(place) & (kSmallestPage - 1)) + count <= kSmallestPage;
+}
+
 // Bytes up to the nearer limit; as good as endless without limits.
 inline std::size_t leftInBoth(Text a, Text b) {
     const auto left = [](Text text) {

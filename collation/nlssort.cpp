@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "collation/byte_step.hpp"
+#include "collation/byte_walk.hpp"
 #include "collation/compare.hpp"
 #include "collation/sjis_bridge.hpp"
 #include "collation/sort_key.hpp"
@@ -36,20 +38,9 @@ nlsStatus handOut(const nls::Compared& compared, uint16_t* result) {
 #define NLS_ARGUMENTS_STAY [[gnu::noipa]]
 #endif
 
-// The arguments stand where those of nlsCompareN do, so that a jump hands them on. REQUIRES: lengths above 0.
-NLS_ARGUMENTS_STAY nlsStatus compareBehindFirstPair(nls::WeightMap weights, nlsTlsBlock*, const unsigned char* s1,
-                                                    const unsigned char* s2, int32_t len1, int32_t len2, uint16_t,
-                                                    uint16_t* result) {
-    const nls::Text a{s1, s1 + len1}, b{s2, s2 + len2};
-    const bool wide = nls::cpuLevel() >= nls::CpuLevel::avx512;
-    *result = static_cast<uint16_t>(wide ? nls::compareLimitedAvx512(weights, a, b)
-                                         : nls::compareSingleBytesPlain(weights, a, b));
-    return NLS_OK;
-}
-
-[[gnu::noinline]] nlsStatus compareInFull(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
-                                          const unsigned char* s2, int32_t len1, int32_t len2, uint16_t compareMode,
-                                          uint16_t* result) {
+NLS_ARGUMENTS_STAY nlsStatus compareInFull(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
+                                           const unsigned char* s2, int32_t len1, int32_t len2, uint16_t compareMode,
+                                           uint16_t* result) {
     if (const nlsStatus bad = checkLocaleAlone(locale)) return bad;
     if (s1 == nullptr || s2 == nullptr || result == nullptr) return NLS_BAD_ARG;
     return handOut(nls::compareLimited(*locale, tls, s1, s2, len1, len2, compareMode), result);
@@ -58,6 +49,41 @@ NLS_ARGUMENTS_STAY nlsStatus compareBehindFirstPair(nls::WeightMap weights, nlsT
 nls::SortKey keyOf(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* src, nls::ByteSpan key,
                    uint16_t options, uint16_t trim) {
     return nls::makeSortKey(nls::collationOf(locale), tls, src, key, nls::KeyOptions::of(options, trim));
+}
+
+// Texts with characters of two bytes. REQUIRES: what nlsCompareN has found out.
+NLS_ARGUMENTS_STAY nlsStatus comparePairs(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
+                                          const unsigned char* s2, int32_t len1, int32_t len2, uint16_t compareMode,
+                                          uint16_t* result) {
+    const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
+    const nls::FirstPair pair = nls::firstPair(weights, s1, s2);
+    if (pair.decides()) {
+        *result = static_cast<uint16_t>(pair.sign());
+        return NLS_OK;
+    }
+    if (nls::knownCpuLevel() < nls::CpuLevel::avx512)
+        return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+    const nls::Charset charset{*locale->attrib};
+    *result = static_cast<uint16_t>(nls::comparePairsAvx512(weights, charset, s1, s2, len1, len2));
+    return NLS_OK;
+}
+
+// The same on their way through Shift-JIS.
+NLS_ARGUMENTS_STAY nlsStatus compareBridged(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
+                                            const unsigned char* s2, int32_t len1, int32_t len2, uint16_t compareMode,
+                                            uint16_t* result) {
+    const nls::SjisMemo memo{*locale->attrib};
+    const bool wide = nls::knownCpuLevel() >= nls::CpuLevel::avx512;
+    if (!wide || !memo.isComplete() || !nls::SjisBridge{memo.conversion->table}.isFromEuc())
+        return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+    const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
+    const nls::Charset charset{*locale->attrib};
+    int decided = 0;
+    if (((len1 - 2) | (len2 - 2)) >= 0 && s1[0] != 0 && s2[0] != 0 && (s1[0] != s2[0] || s1[1] != s2[1]))
+        decided = nls::decidedByEucCharacters(weights, charset, s1, s2);
+    if (decided == 0) decided = nls::compareEucAvx512(weights, charset, s1, s2, len1, len2);
+    *result = static_cast<uint16_t>(decided);
+    return NLS_OK;
 }
 
 }  // namespace
@@ -75,20 +101,24 @@ nlsStatus nlsCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned c
 nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1, const unsigned char* s2,
                       int32_t len1, int32_t len2, uint16_t compareMode, uint16_t* result) {
     // Most pairs are decided by their first bytes: they are looked at here, and all else is left to functions that take
-    // over the arguments of this one as they are.
+    // over the arguments of this one in registers, as they are.
     const bool given = s1 != nullptr && s2 != nullptr && result != nullptr;
     const bool plain = given && compareMode <= 1 && ((len1 - 1) | (len2 - 1)) >= 0;
-    if (!plain || checkLocaleAlone(locale) != NLS_OK || !nls::firstPairMayDecide(*locale)) [[unlikely]]
+    if (!plain || checkLocaleAlone(locale) != NLS_OK) [[unlikely]]
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
-    const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
-    const int sign = nls::decidedByFirstPair(weights, s1, s2);
-    if (sign == 0) {
-        if (!nls::comparesSingleBytes(*locale))
-            return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
-        return compareBehindFirstPair(weights, tls, s1, s2, len1, len2, compareMode, result);
+    if (nls::kindOf(*locale->coll) != nls::CollKind::byteTables)
+        return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+    if (const nls::Charset charset{*locale->attrib}; !charset.isSingleByte()) {
+        if (charset.comparesViaSjis()) return compareBridged(locale, tls, s1, s2, len1, len2, compareMode, result);
+        return comparePairs(locale, tls, s1, s2, len1, len2, compareMode, result);
     }
-    *result = static_cast<uint16_t>(sign);
-    return NLS_OK;
+    const nls::WeightMap weights = nls::WeightMap::of(*locale->coll, compareMode);
+    const nls::FirstPair pair = nls::firstPair(weights, s1, s2);
+    if (pair.decides()) {
+        *result = static_cast<uint16_t>(pair.sign());
+        return NLS_OK;
+    }
+    return nls::compareLimited(weights, result, s1, s2, len1, len2);
 }
 
 nlsStatus locCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1, const unsigned char* s2,

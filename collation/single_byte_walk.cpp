@@ -69,6 +69,12 @@ int compareSingleBytesPlain(WeightMap weights, Text a, Text b) {
     return decideAtEnd(a, b);
 }
 
+nlsStatus compareLimitedPlain(WeightMap weights, uint16_t* result, const unsigned char* s1, const unsigned char* s2,
+                              int32_t len1, int32_t len2) {
+    *result = static_cast<uint16_t>(compareSingleBytes(weights, {s1, s1 + len1}, {s2, s2 + len2}));
+    return NLS_OK;
+}
+
 int compareSingleBytes(WeightMap weights, Text a, Text b) {
     if (cpuLevel() >= CpuLevel::avx512) return compareSingleBytesAvx512(weights, a, b);
     return compareSingleBytesPlain(weights, a, b);

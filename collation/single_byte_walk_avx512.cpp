@@ -57,22 +57,46 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareSingleBytesAvx512(WeightMap 
     return decideAtEnd(a, b);
 }
 
+namespace {
+
+[[gnu::noinline]] NLS_TARGET_AVX512 nlsStatus compareInBlocks(WeightMap weights, uint16_t* result,
+                                                              const unsigned char* s1, const unsigned char* s2,
+                                                              int32_t len1, int32_t len2) {
+    *result = static_cast<uint16_t>(compareSingleBytesAvx512(weights, {s1, s1 + len1}, {s2, s2 + len2}));
+    return NLS_OK;
+}
+
+// One is the same as the beginning of the other.
+[[gnu::noinline]] nlsStatus decideByRest(uint16_t* result, const unsigned char* s1, const unsigned char* s2,
+                                         int32_t len1, int32_t len2) {
+    const int32_t same = std::min(len1, len2);
+    *result = static_cast<uint16_t>(decideAtEnd({s1 + same, s1 + len1}, {s2 + same, s2 + len2}));
+    return NLS_OK;
+}
+
+}  // namespace
+
 // Its fast way is without a loop and without a stack frame.
-NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareLimitedAvx512(WeightMap weights, Text a, Text b) {
-    const std::ptrdiff_t lengthA = a.limit - a.place, lengthB = b.limit - b.place;
-    const auto most = static_cast<std::size_t>(std::min(lengthA, lengthB));
-    if (most > std::min(kBlock, leftInBothPages(a.place, b.place))) return compareSingleBytesAvx512(weights, a, b);
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS nlsStatus compareLimitedAvx512(WeightMap weights, uint16_t* result,
+                                                                        const unsigned char* s1,
+                                                                        const unsigned char* s2, int32_t len1,
+                                                                        int32_t len2) {
+    const auto most = static_cast<unsigned>(std::min(len1, len2));
+    if (most > kBlock || !staysInPage(s1, most) || !staysInPage(s2, most))
+        return compareInBlocks(weights, result, s1, s2, len1, len2);
     const __mmask64 all = firstLanes(most);
-    const __m512i bytesA = _mm512_maskz_loadu_epi8(all, a.place), bytesB = _mm512_maskz_loadu_epi8(all, b.place);
+    const __m512i bytesA = _mm512_maskz_loadu_epi8(all, s1), bytesB = _mm512_maskz_loadu_epi8(all, s2);
     const __mmask64 stops = _mm512_cmpneq_epi8_mask(bytesA, bytesB) | _mm512_mask_testn_epi8_mask(all, bytesA, bytesA);
     if (stops == 0) {
-        if (lengthA == lengthB) return 0;
-    } else {
-        const std::size_t first = _tzcnt_u64(stops);
-        if (const int decided = decidedByFirstPair(weights, a.place + first, b.place + first)) return decided;
-        if (a.place[first] == b.place[first]) return 0;  // both have their NUL here
+        if (len1 != len2) return decideByRest(result, s1, s2, len1, len2);
+        *result = 0;
+        return NLS_OK;
     }
-    return compareSingleBytesAvx512(weights, a, b);
+    const std::size_t first = _tzcnt_u64(stops);
+    const FirstPair pair = firstPair(weights, s1 + first, s2 + first);
+    if (!pair.decides()) return compareInBlocks(weights, result, s1, s2, len1, len2);
+    *result = static_cast<uint16_t>(pair.sign());
+    return NLS_OK;
 }
 
 }  // namespace nls

@@ -10,12 +10,6 @@ namespace {
 
 constexpr const char* kSjis = "shift-jis";
 
-// The memo is written by whoever comes first, while others read it: both words are read and written whole, and one
-// alone doesn't count. What they point to was finished with the locale.
-template <typename T>
-T* readMemo(T* const& slot) {
-    return __atomic_load_n(&slot, __ATOMIC_RELAXED);
-}
 template <typename T>
 void writeMemo(T*& slot, T* value) {
     __atomic_store_n(&slot, value, __ATOMIC_RELAXED);
@@ -34,11 +28,8 @@ nlsConversion* findConversionToSjis(const nlsHandle& handle, const char* charset
 
 }  // namespace
 
-SjisHandles findSjisHandles(const nlsLocale& locale) {
+SjisHandles lookForSjisHandles(const nlsLocale& locale) {
     nlsAttribStruct& attrib = *locale.attrib;
-    nlsAttribStruct* const knownAttrib = readMemo(attrib.sjisAttrib);
-    nlsConversion* const knownConversion = readMemo(attrib.sjisConversion);
-    if (knownAttrib != nullptr && knownConversion != nullptr) return {NLS_OK, knownAttrib, knownConversion};
     if (locale.owner == nullptr) return {NLS_NO_SJIS, nullptr, nullptr};
     const nlsLocale* const sjis = findSjisLocale(*locale.owner);
     if (sjis == nullptr || sjis->attrib == nullptr) return {NLS_NO_SJIS, nullptr, nullptr};

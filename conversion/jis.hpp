@@ -35,6 +35,12 @@ constexpr BytePair sjisOfJis(BytePair jis) {
     return {static_cast<uint8_t>(lead), static_cast<uint8_t>(trail)};
 }
 
+// The first byte alone, of a pair in the grid.
+constexpr unsigned sjisLeadOfEuc(unsigned first) {
+    return ((first - 0x7F) >> 1) + (first < 0xDF ? 0x70 : 0xB0);
+}
+static_assert(sjisLeadOfEuc(0xA1) == 0x81 && sjisLeadOfEuc(0xDE) == 0x9F && sjisLeadOfEuc(0xDF) == 0xE0);
+
 // Whole texts. A pair whose second byte is outside the grid goes out as it stands. Status 0; 16 when the end of the
 // source cuts off a pair; 2 when the target is full. The character that failed leaves nothing, and `length` counts what
 // stands before it. Source and target must not overlap, unless the source is one single character.

@@ -30,6 +30,12 @@ inline CpuLevel cpuLevel() {
     return known != 0 ? CpuLevel{known} : askCpuLevel();
 }
 
+// What is known without asking, at first less than any level. For functions that are to make no call, as long as what
+// they then call instead asks.
+inline CpuLevel knownCpuLevel() {
+    return CpuLevel{__atomic_load_n(&processState.cpuLevel, __ATOMIC_RELAXED)};
+}
+
 // For tests and benchmarks: holds the level down to `level`, so that each path can be driven on one machine.
 void limitCpuLevel(CpuLevel level);
 

@@ -88,7 +88,7 @@ TEST_P(Walks, AllShortTextsAgainstEachOther) {
 TEST_P(Walks, CommonBeginningsLimitsAndAlignments) {
     std::mt19937 random{7};
     GuardedBuffer first{512}, second{512};
-    const std::string alphabet{"aAbBsS \xDF\x81\x40\x8E\xB1\xC1\xFE\x01z"};
+    const std::string alphabet{"aAbBsS \xDF\x81\x40\x8E\xB1\xB2\xC1\xFE\x01z"};
     for (const HandRoute& route : routes)
         for (unsigned round = 0; round < 9000; ++round) {
             const auto any = [&](std::size_t count) {
@@ -121,6 +121,27 @@ TEST_P(Walks, CommonBeginningsLimitsAndAlignments) {
             ASSERT_EQ(compareN(route, pa, cutA, pb, cutB, mode), nls::reference::compare(order, pa, cutA, pb, cutB))
                 << route.name << ' ' << round << ' ' << cutA << ' ' << cutB;
         }
+}
+
+// On their way to Shift-JIS, each against its neighbours in the row and in the grid, and against a few from anywhere.
+TEST_P(Walks, AllPairsOfEuc) {
+    constexpr int kRow = 94, kGrid = kRow * kRow;
+    std::mt19937 random{8};
+    const auto spelled = [](int cell) {
+        const int in = (cell + kGrid) % kGrid;
+        return std::string{static_cast<char>(0xA1 + in / kRow), static_cast<char>(0xA1 + in % kRow), 'x'};
+    };
+    for (const HandRoute& route : routes) {
+        if (route.bridge == nullptr) continue;
+        for (int cell = 0; cell < kGrid; ++cell)
+            for (const int other : {cell + 1, cell + kRow, cell - kRow + 1, static_cast<int>(random() % kGrid)}) {
+                const std::string start(random() % 3, 'a'), a = start + spelled(cell), b = start + spelled(other);
+                const auto la = static_cast<int32_t>(a.size()), lb = static_cast<int32_t>(b.size());
+                const auto mode = static_cast<uint16_t>(cell % 2);
+                const int want = nls::reference::compare(route.order(mode), bytesOf(a), la, bytesOf(b), lb);
+                ASSERT_EQ(compareN(route, bytesOf(a), la, bytesOf(b), lb, mode), want) << route.name << ' ' << cell;
+            }
+    }
 }
 
 TEST(Compare, PeculiarTexts) {
