@@ -7,6 +7,7 @@
 #include "collation/compare.hpp"
 #include "collation/sjis_bridge.hpp"
 #include "collation/sort_key.hpp"
+#include "collation/unicode_compare.hpp"
 #include "collation/words.hpp"
 #include "core/base/charset.hpp"
 #include "core/base/checks.hpp"
@@ -86,6 +87,18 @@ NLS_ARGUMENTS_STAY nlsStatus compareBridged(const nlsLocale* locale, nlsTlsBlock
     return NLS_OK;
 }
 
+// Characters by their own values. REQUIRES: what nlsCompareN has found out.
+NLS_ARGUMENTS_STAY nlsStatus compareByValue(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
+                                            const unsigned char* s2, int32_t len1, int32_t len2, uint16_t compareMode,
+                                            uint16_t* result) {
+    if (nls::knownCpuLevel() < nls::CpuLevel::avx512)
+        return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+    const nls::Text a{s1, s1 + len1}, b{s2, s2 + len2};
+    *result = static_cast<uint16_t>(compareMode == 0 ? nls::compareFoldedUtf8Avx512(*locale, a, b)
+                                                     : nls::compareBytesAvx512(a, b));
+    return NLS_OK;
+}
+
 }  // namespace
 
 // ---- Comparison ----
@@ -106,6 +119,8 @@ nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned 
     const bool plain = given && compareMode <= 1 && ((len1 - 1) | (len2 - 1)) >= 0;
     if (!plain || checkLocaleAlone(locale) != NLS_OK) [[unlikely]]
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
+    if (nls::kindOf(*locale->coll) == nls::CollKind::unicode)
+        return compareByValue(locale, tls, s1, s2, len1, len2, compareMode, result);
     if (nls::kindOf(*locale->coll) != nls::CollKind::byteTables)
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
     if (const nls::Charset charset{*locale->attrib}; !charset.isSingleByte()) {

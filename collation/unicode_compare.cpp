@@ -1,8 +1,9 @@
 #include "collation/unicode_compare.hpp"
 
-#include "collation/ascii_case.hpp"
 #include "collation/equal_run.hpp"
 #include "collation/lchar_text.hpp"
+#include "collation/lower_case.hpp"
+#include "core/base/cpu.hpp"
 
 namespace nls {
 namespace {
@@ -15,35 +16,6 @@ void advance(Text& a, Text& b, std::size_t count) {
     a.place += count;
     b.place += count;
 }
-
-// Folds characters of one locale to lower case.
-class LowerCase {
-public:
-    explicit LowerCase(const nlsLocale& locale)
-        : table_(locale.caseTable != nullptr && Charset{*locale.attrib}.isUtf8() ? &unicodeCaseTable(*locale.caseTable)
-                                                                                 : nullptr),
-          attrib_(locale.attrib) {}
-
-    nlsLChar operator()(nlsLChar value) const {
-        if (table_ == nullptr) return value;
-        // The short forms stand for themselves: a switch for all takes as long as two of these.
-        const unsigned page = casePageOf(value);
-        const unsigned index = caseIndexOf(value, CaseForm::lower);
-        if (value > 0xFFFF || index >= entriesOfCasePage(page))
-            return caseFormOf(table_->casePages, value, CaseForm::lower);
-        const nlsLChar form = table_->casePages[page][index];
-        return form == 0 ? value : form;
-    }
-
-    bool isPlainOnAscii() const {
-        return table_ != nullptr && hasPlainAsciiForms(table_->casePages, CaseForm::lower) &&
-               isAsciiSingleByte(*attrib_);
-    }
-
-private:
-    const nlsUnicodeCaseStruct* table_;  // null: no character has a form
-    const nlsAttribStruct* attrib_;
-};
 
 // Whether no character that begins in front of `place` reaches behind it, whatever characters begin there.
 bool isBoundary(const Charset& charset, const unsigned char* place, const unsigned char* start) {
@@ -115,6 +87,14 @@ int compareFoldedUtf8(const nlsLocale& locale, Text a, Text b) {
         if (mayFoldAscii) foldsAscii = lowerCase.isPlainOnAscii(), mayFoldAscii = false;
         if (foldsAscii) advance(a, b, equalAsciiRun(a.place, b.place, leftInBoth(a, b)));
     }
+}
+
+int compareUnicode(const nlsLocale& locale, Text a, Text b, uint16_t mode) {
+    const auto hasBytes = [](Text text) { return text.limit != nullptr && text.place != text.limit; };
+    const bool folds = mode == 0 && locale.attrib != nullptr;
+    if (hasBytes(a) && hasBytes(b) && cpuLevel() >= CpuLevel::avx512)
+        return folds ? compareFoldedUtf8Avx512(locale, a, b) : compareBytesAvx512(a, b);
+    return folds ? compareFoldedUtf8(locale, a, b) : compareBytes(a, b);
 }
 
 }  // namespace nls

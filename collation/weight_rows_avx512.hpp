@@ -14,9 +14,8 @@ struct WeightRows {
 
 // `map` has 256 bytes.
 NLS_TARGET_AVX512 inline WeightRows rowsOf(const unsigned char* map) {
-    WeightRows rows;
-    for (int i = 0; i < 4; ++i) rows.row[i] = _mm512_loadu_si512(map + 64 * i);
-    return rows;
+    const auto row = [map](int i) NLS_TARGET_AVX512 { return _mm512_loadu_si512(map + 64 * i); };
+    return {{row(0), row(1), row(2), row(3)}};
 }
 NLS_TARGET_AVX512 inline WeightRows rowsOf(WeightMap weights) {
     return rowsOf(weights.entries());

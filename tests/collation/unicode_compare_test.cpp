@@ -5,7 +5,9 @@
 #include <random>
 
 #include "collation/unicode_key.hpp"
+#include "core/base/cpu.hpp"
 #include "nls/collation_routes.h"
+#include "nls/compare.h"
 #include "nls/strings.h"
 #include "tests/reference/unicode_order.hpp"
 #include "tests/support/case_locale.hpp"
@@ -19,6 +21,7 @@ using nls::test::GuardedBuffer;
 using nls::test::HandLocale;
 using nls::test::MadeCaseTable;
 
+constexpr nls::CpuLevel kLevels[] = {nls::CpuLevel::baseline, nls::CpuLevel::avx512};
 constexpr uint16_t kModes[] = {0, 1, 2}, kKeyModes[] = {0, 1};
 
 // Texts that are told apart late or not at all: the second is the first with little changed.
@@ -48,35 +51,65 @@ std::pair<std::string, std::string> nearPair(std::mt19937& random, unsigned kind
     return {a, b};
 }
 
+// A text as a caller hands it over, in front of a faulting page.
+struct Given {
+    const unsigned char* text;
+    int32_t length;
+};
+enum class End { nul, limit, nulBeforeLimit, nulBeforePage };
+constexpr End kEnds[] = {End::nul, End::limit, End::nulBeforeLimit, End::nulBeforePage};
+
+Given give(GuardedBuffer& page, const std::string& text, End end, char behind) {
+    const auto length = static_cast<int32_t>(text.size());
+    switch (end) {
+        case End::nul:
+            return {page.atEnd(text.c_str(), text.size() + 1), -1};
+        case End::limit:
+            return {page.atEnd(text.c_str(), text.size()), length};
+        case End::nulBeforePage:
+            return {page.atEnd(text.c_str(), text.size() + 1), length + 100};
+        default:
+            const std::string longer = text + '\0' + std::string(9, behind);
+            return {page.atEnd(longer.c_str(), longer.size()), static_cast<int32_t>(longer.size())};
+    }
+}
+
 class UnicodeOrder : public testing::Test {
 protected:
     void SetUp() override {
+        coll_.collKind = 3;
         table_.fillFromLibrary();
         locale_.get()->caseTable = table_.get();
     }
+    void TearDown() override { nls::limitCpuLevel(nls::CpuLevel::avx512); }
 
-    // Ended by the NUL or by a limit, in front of a faulting page in either case.
+    // With every end of either text.
     void expect(HandLocale& locale, const uint16_t* const (*pages)[256], const std::string& a, const std::string& b) {
+        locale.get()->coll = &coll_;
         for (const uint16_t mode : kModes) {
             const int want = nls::test::slowUnicodeCompare(locale.attrib(), pages, mode == 0, a, b);
-            for (const unsigned limits : {0U, 1U, 2U, 3U}) {
-                const bool cutA = (limits & 1) != 0, cutB = (limits & 2) != 0;
-                const unsigned char* const first = pageOfA_.atEnd(a.c_str(), a.size() + !cutA);
-                const unsigned char* const second = pageOfB_.atEnd(b.c_str(), b.size() + !cutB);
-                const int32_t lengthA = cutA ? static_cast<int32_t>(a.size()) : -1;
-                const int32_t lengthB = cutB ? static_cast<int32_t>(b.size()) : -1;
-                uint16_t result = 77;
-                ASSERT_EQ(nlsUnicodeCompare(locale.get(), first, second, nullptr, mode, lengthA, lengthB, &result),
-                          NLS_OK);
-                ASSERT_EQ(static_cast<int16_t>(result), want)
-                    << testing::PrintToString(a) << testing::PrintToString(b) << mode << limits;
-                if (mode == 1) {
-                    ASSERT_EQ(loccmp(first, second, lengthA, lengthB), want);
+            for (const End endOfA : kEnds)
+                for (const End endOfB : kEnds) {
+                    const Given first = give(pageOfA_, a, endOfA, 'A'), second = give(pageOfB_, b, endOfB, 'z');
+                    ASSERT_NO_FATAL_FAILURE(expectGiven(*locale.get(), first, second, mode, want))
+                        << testing::PrintToString(a) << testing::PrintToString(b) << static_cast<int>(endOfA)
+                        << static_cast<int>(endOfB);
                 }
-            }
         }
     }
 
+    static void expectGiven(const nlsLocale& locale, Given a, Given b, uint16_t mode, int want) {
+        uint16_t result = 77, ofDoor = 77;
+        ASSERT_EQ(nlsUnicodeCompare(&locale, a.text, b.text, nullptr, mode, a.length, b.length, &result), NLS_OK);
+        ASSERT_EQ(static_cast<int16_t>(result), want) << mode;
+        ASSERT_EQ(nlsCompareN(&locale, nullptr, a.text, b.text, a.length, b.length, mode, &ofDoor), NLS_OK);
+        ASSERT_EQ(ofDoor, result) << mode;
+        if (mode == 1) {
+            ASSERT_EQ(loccmp(a.text, b.text, a.length, b.length), want);
+        }
+    }
+
+    nlsCollStruct coll_{};
     MadeCaseTable table_;
     HandLocale locale_{nls::test::utf8Charset()};
     GuardedBuffer pageOfA_{8192}, pageOfB_{8192};
@@ -86,16 +119,19 @@ TEST_F(UnicodeOrder, AsTheSlowTwin) {
     std::mt19937 random{21};
     nlsAttribStruct oddLengths = nls::test::oddCharset();
     oddLengths.flags |= NLS_CHARSET_UTF8;
-    for (unsigned variant = 0; variant < 5; ++variant) {
+    for (unsigned variant = 0; variant < 6; ++variant) {
         MadeCaseTable table;
         table.fillFromLibrary();
-        if (variant == 1) table.fillWild(1, true);
+        if (variant == 1 || variant == 5) table.fillWild(1, variant == 1);
         if (variant == 2) table.set('I', CaseForm::lower, 0xC4B1);
         HandLocale locale{variant == 3 ? oddLengths : nls::test::utf8Charset()};
         if (variant != 4) locale.get()->caseTable = table.get();
-        for (unsigned i = 0; i < 4000; ++i) {
-            const auto [a, b] = nearPair(random, i % 4);
-            ASSERT_NO_FATAL_FAILURE(expect(locale, variant == 4 ? nullptr : &table.pages(), a, b));
+        for (const nls::CpuLevel level : kLevels) {
+            nls::limitCpuLevel(level);
+            for (unsigned i = 0; i < 2000; ++i) {
+                const auto [a, b] = nearPair(random, i % 4);
+                ASSERT_NO_FATAL_FAILURE(expect(locale, variant == 4 ? nullptr : &table.pages(), a, b));
+            }
         }
     }
 }
@@ -110,17 +146,25 @@ TEST_F(UnicodeOrder, PrefixesOfEveryLength) {
                                    {"\xD0\x90", "\xD0\xB0"},
                                    {"\xD0\x90", "\xD0\x91"},
                                    {"\xE1\xBA\xA0", "\xE1\xBA\xA1"},
-                                   {"\xC3", "\xC3\xA9"}};
-    for (const std::string unit : {"x", "\xC3\xA9", "\xE3\x81\x82"})
-        for (std::size_t length = 0; length <= 70; ++length) {
-            std::string prefix;
-            while (prefix.size() < length) prefix += unit;
-            for (const auto& [a, b] : ends)
-                for (const auto* const tail : {"", "q", "qqqqqqqqqqqqqqqq"}) {
-                    ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), prefix + a + tail, prefix + b + tail));
-                    ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), prefix + b + tail, prefix + a + tail));
-                }
-        }
+                                   {"\xC3", "\xC3\xA9"},
+                                   {"\xC3", "\xC3 "},
+                                   {"\xD0\xAF"
+                                    "b\xC3\xA9",
+                                    "\xD1\x8F"
+                                    "B\xC3\xAA"}};
+    for (const nls::CpuLevel level : kLevels) {
+        nls::limitCpuLevel(level);
+        for (const std::string unit : {"x", "\xC3\xA9", "\xE3\x81\x82"})
+            for (std::size_t length = 0; length <= 70; ++length) {
+                std::string prefix;
+                while (prefix.size() < length) prefix += unit;
+                for (const auto& [a, b] : ends)
+                    for (const auto* const tail : {"", "q", "qqqqqqqqqqqqqqqq"}) {
+                        ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), prefix + a + tail, prefix + b + tail));
+                        ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), prefix + b + tail, prefix + a + tail));
+                    }
+            }
+    }
 }
 
 TEST_F(UnicodeOrder, ByHand) {
@@ -153,6 +197,13 @@ TEST_F(UnicodeOrder, ByHand) {
     EXPECT_EQ(result, 1);
     EXPECT_EQ(nlsUnicodeCompare(&bare, bytesOf("A"), bytesOf("a"), nullptr, 0, -1, -1, &result), NLS_OK);
     EXPECT_EQ(result, 0xFFFF);
+}
+
+// A form of two bytes that spells two characters is one character all the same.
+TEST_F(UnicodeOrder, FormsThatSpellOtherCharacters) {
+    table_.set(0xC389, CaseForm::lower, 0x6162);
+    for (const std::string tail : {"", "q", "qqqqqqqqqqqqqqqq"})
+        ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), "x\xC3\x89" + tail, "Xab" + tail));
 }
 
 // A case table of bytes under a collation of Unicode is never read as pages.
