@@ -6,10 +6,12 @@
 #include "collation/byte_key.hpp"
 #include "collation/coll_kind.hpp"
 #include "collation/hook_text.hpp"
+#include "collation/short_key.hpp"
 #include "collation/sjis_bridge.hpp"
 #include "collation/thai_key.hpp"
 #include "collation/unicode_key.hpp"
 #include "conversion/engine.hpp"
+#include "core/base/cpu.hpp"
 #include "nls/usersort.h"
 
 namespace nls {
@@ -89,6 +91,31 @@ SortKey keyByTables(const Collation& by, ByteView text, ByteSpan room, KeyOption
     return {NLS_OK, written.size()};
 }
 
+// The key of a short text in one go, where that is possible; kNoShortKey where it isn't, or where there is a status to
+// tell of.
+std::size_t keyInOneGo(const Collation& by, const unsigned char* src, ByteSpan key, KeyOptions options) {
+    if (!isByteMode(options.mode) || key.size() < kShortKeyRoom || cpuLevel() < CpuLevel::avx512) return kNoShortKey;
+    const nlsAttribStruct* attrib = &by.attrib;
+    bool fromEuc = false;
+    if (Charset{by.attrib}.comparesViaSjis()) {
+        const SjisMemo memo{by.attrib};
+        if (!memo.isComplete()) return kNoShortKey;
+        const SjisBridge bridge{memo.conversion->table};
+        fromEuc = bridge.isFromEuc();
+        if (!fromEuc && !bridge.changesNothing()) return kNoShortKey;
+        attrib = memo.attrib;
+    }
+    const WeightMap weights = WeightMap::of(by.coll, options.mode);
+    const bool basic = isBasic(by.coll);
+    const ShortKey work{weights,
+                        *attrib,
+                        basic ? kBasicExpansion : weights.ofLetterS(),
+                        fromEuc,
+                        options.trim && !basic,
+                        options.trim && basic};
+    return shortKeyAvx512(work, src, key.data());
+}
+
 // Out of line, so that the other routes needn't make room for its copy.
 [[gnu::noinline]] SortKey keyByHook(const Collation& by, const unsigned char* src, ByteView text, ByteSpan key,
                                     uint16_t mode) {
@@ -109,6 +136,10 @@ SortKey keyByValues(const nlsLocale& locale, ByteView text, ByteSpan key, uint16
 
 SortKey makeSortKey(const Collation& by, nlsTlsBlock*, const unsigned char* src, ByteSpan key, KeyOptions options) {
     if (key.empty()) return {NLS_BUF_SMALL, 0};
+    if (kindOf(by.coll) == CollKind::byteTables) {
+        const std::size_t length = keyInOneGo(by, src, key, options);
+        if (length != kNoShortKey) return {NLS_OK, length};
+    }
     ByteView text = untilNul(src);
     if (options.trim && !isBasic(by.coll)) text = withoutBlanksAtEnd(text);
     switch (kindOf(by.coll)) {

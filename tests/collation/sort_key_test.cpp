@@ -55,16 +55,18 @@ protected:
     void SetUp() override { nls::limitCpuLevel(GetParam()); }
     void TearDown() override { nls::limitCpuLevel(CpuLevel::avx512); }
 
-    // The key in a buffer of just that size, at the edge of memory; the text is the same afterwards.
+    // The key in a buffer of just that size, at the edge of memory; the text stands at the edge too, or with something
+    // behind it, and is the same afterwards.
     std::string keyOf(const HandRoute& route, const std::string& text, std::size_t keySize, uint16_t options,
                       bool trim) {
         unsigned char* const key = keys_.atEnd(keySize);
         std::memset(key, 0xEE, keySize);
-        unsigned char* const src = texts_.atEnd(text.c_str(), text.size() + 1);
+        const std::string placed = text + '\0' + std::string(keySize * 7 % 80, 's');
+        unsigned char* const src = texts_.atEnd(placed.data(), placed.size());
         uint16_t length = 7777;
         EXPECT_EQ(nlsSortKey(route.get(), nullptr, src, static_cast<int16_t>(keySize), options, trim, key, &length),
                   NLS_OK);
-        EXPECT_EQ(std::memcmp(src, text.c_str(), text.size() + 1), 0);
+        EXPECT_EQ(std::memcmp(src, placed.data(), placed.size()), 0);
         const std::string made{reinterpret_cast<const char*>(key), strnlen(reinterpret_cast<char*>(key), keySize)};
         EXPECT_EQ(made.size(), length);
         return made;
@@ -87,7 +89,7 @@ TEST_P(Keys, AllShortTextsInBuffersOfEverySize) {
                 3, [&](const std::string& text) {
                     const uint16_t mode = text.size() % 2 == 0;
                     for (const bool trim : {false, true})
-                        for (std::size_t room = 0; room < 7; ++room)
+                        for (const std::size_t room : {0, 1, 2, 3, 4, 5, 6, 62, 63, 79})
                             ASSERT_EQ(keyOf(route, text, room + 1, mode, trim),
                                       nls::reference::key(route.order(mode), basic, trim, text, room))
                                 << route.name << " '" << text << "' " << room << trim << basic;
@@ -105,7 +107,8 @@ TEST_P(Keys, LongTextsInBuffersOfManySizes) {
             const std::size_t size = round < 200 ? round : random() % 1500;
             while (text.size() < size) text.push_back(alphabet[random() % alphabet.size()]);
             const std::string want = nls::reference::key(route.order(0), false, true, text, 5000);
-            for (const std::size_t room : {want.size() + 9, want.size(), std::size_t{random() % (want.size() + 1)}})
+            for (const std::size_t room :
+                 {want.size() + 9, want.size() + 99, want.size(), std::size_t{random() % (want.size() + 1)}})
                 ASSERT_EQ(keyOf(route, text, room + 1, 0, true),
                           nls::reference::key(route.order(0), false, true, text, room))
                     << route.name << ' ' << round << ' ' << room;
