@@ -13,7 +13,7 @@
 #include "convmap/case_pages.hpp"
 #include "core/base/charset.hpp"
 #include "core/base/views.hpp"
-// Texts that differ in case alone are folded by the blocks that the case service writes.
+// What the blocks of the case service ask of a locale.
 #include "strings/utf8_case.hpp"
 
 namespace nls {
@@ -95,14 +95,17 @@ inline int decidedByFirstAscii(const nlsLocale& locale, Byte a, Byte b) {
     return orderOf(formOf(table, kLeadRows[0], a), formOf(table, kLeadRows[0], b));
 }
 
+using Lanes = std::array<signed char, kBlock>;
+constexpr Lanes lanesFrom(unsigned first) {
+    Lanes lanes{};
+    for (unsigned i = 0; i < kBlock; ++i) lanes[i] = static_cast<signed char>((first + i) % kBlock);
+    return lanes;
+}
+alignas(64) constexpr Lanes kLanes = lanesFrom(0), kNextLanes = lanesFrom(1);
+
 // Where the character begins that the byte at `place` belongs to: the first byte that reaches that far, unless it
 // belongs to an earlier one in turn, as in broken text; then kBlock.
 NLS_TARGET_AVX512 inline std::size_t startOfCharacter(const nlsAttribStruct& attrib, __m512i bytes, std::size_t place) {
-    alignas(64) static constexpr std::array<signed char, kBlock> kLanes = [] {
-        std::array<signed char, kBlock> lanes{};
-        for (unsigned i = 0; i < kBlock; ++i) lanes[i] = static_cast<signed char>(i);
-        return lanes;
-    }();
     const __m512i trails = _mm512_and_si512(weigh(rowsOf(attrib.lengthMap), bytes), _mm512_set1_epi8(0x07));
     const __m512i reach = _mm512_add_epi8(trails, _mm512_load_si512(kLanes.data()));
     const auto firstToReach = [&](std::size_t lane) NLS_TARGET_AVX512 {
@@ -112,13 +115,67 @@ NLS_TARGET_AVX512 inline std::size_t startOfCharacter(const nlsAttribStruct& att
     return firstToReach(start) == start ? start : kBlock;
 }
 
-// Whether folding has left the first bytes of characters, the trailing ones and ASCII where they were. Then folded
-// bytes order as folded characters do.
-NLS_TARGET_AVX512 inline bool keepsShape(__m512i bytes, __m512i folded) {
+// A block with its letters folded: ASCII and characters of two bytes.
+struct FoldedBlock {
+    __m512i bytes;
+    uint64_t starts;    // first bytes of characters
+    std::size_t whole;  // bytes of whole characters
+    bool plain;         // regular text, of which folding has left every character its length; else nothing above holds
+};
+
+// Whether folding has left the first bytes of characters, the trailing ones and ASCII where they were.
+NLS_TARGET_AVX512 inline bool keepsShape(__m512i bytes, __m512i folded, uint64_t leads) {
     const __m512i changed = _mm512_xor_si512(bytes, folded);
-    const __mmask64 leads = _mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(static_cast<char>(0xC0)));
     return (_mm512_test_epi8_mask(changed, _mm512_set1_epi8(static_cast<char>(0xC0))) |
             _mm512_mask_test_epi8_mask(leads, changed, _mm512_set1_epi8(0x20))) == 0;
+}
+
+// The 64 entries of a page are 128 bytes, so the last six bits of a character find both bytes of its form.
+NLS_TARGET_AVX512 inline __m512i foldTwoBytes(const nlsUnicodeCaseStruct& table, const Byte* place, __m512i bytes,
+                                              uint64_t leads) {
+    const __m512i low = _mm512_add_epi8(bytes, bytes), high = _mm512_or_si512(low, _mm512_set1_epi8(1));
+    __m512i last = bytes, first = _mm512_setzero_si512();
+    uint64_t changed = 0;
+    while (leads != 0) {
+        const Byte lead = place[_tzcnt_u64(leads)];
+        const uint64_t same = leads & _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(static_cast<char>(lead)));
+        leads &= ~same;
+        const uint16_t* const forms = table.casePages[lead] + kCasePageEntries / 2;
+        const __m512i front = _mm512_loadu_si512(forms), back = _mm512_loadu_si512(forms + kCasePageEntries / 4);
+        const __m512i ofLow = _mm512_permutex2var_epi8(front, low, back);
+        const __m512i ofHigh = _mm512_permutex2var_epi8(front, high, back);
+        const __m512i any = _mm512_or_si512(ofLow, ofHigh);
+        const uint64_t found = _mm512_mask_test_epi8_mask(same << 1, any, any);
+        last = _mm512_mask_mov_epi8(last, found, ofLow);
+        first = _mm512_mask_mov_epi8(first, found, ofHigh);
+        changed |= found;
+    }
+    // Each first byte stands where the last one does: one lane too high.
+    return _mm512_mask_permutexvar_epi8(last, changed >> 1, _mm512_load_si512(kNextLanes.data()), first);
+}
+
+// REQUIRES: the charset and the table have the usual lengths and the usual ASCII.
+NLS_TARGET_AVX512 NLS_BLOCKS_INLINE inline FoldedBlock foldBlock(const nlsUnicodeCaseStruct& table, const Byte* place,
+                                                                 std::size_t count) {
+    const auto from = [](__m512i bytes, unsigned first) NLS_TARGET_AVX512 {
+        return static_cast<uint64_t>(_mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(static_cast<char>(first))));
+    };
+    const __m512i bytes = load(place, count);
+    const uint64_t high = _mm512_movepi8_mask(bytes), leads = from(bytes, 0xC0), three = from(bytes, 0xE0);
+    const uint64_t four = from(bytes, 0xF0), odd = from(bytes, 0xF5) | (leads & ~from(bytes, 0xC2));
+    const uint64_t announced = leads << 1 | three << 2 | four << 3, trails = high & ~leads;
+    std::size_t whole = count;
+    if (leads != 0) {
+        const std::size_t last = 63 - _lzcnt_u64(leads);
+        if (last + 2 + (three >> last & 1) + (four >> last & 1) > count) whole = last;
+    }
+    const uint64_t wrong = _bzhi_u64(odd | (announced ^ trails), static_cast<unsigned>(whole));
+    const __mmask64 capitals =
+        _mm512_cmplt_epu8_mask(_mm512_sub_epi8(bytes, _mm512_set1_epi8('A')), _mm512_set1_epi8(26));
+    const __m512i ascii = _mm512_mask_add_epi8(bytes, capitals, bytes, _mm512_set1_epi8(0x20));
+    const uint64_t two = _bzhi_u64(leads & ~three, static_cast<unsigned>(whole));
+    const __m512i folded = two == 0 ? ascii : foldTwoBytes(table, place, ascii, two);
+    return {folded, ~trails, whole, wrong == 0 && keepsShape(bytes, folded, leads)};
 }
 
 // Behind a character that differs in case, where others will: folds both blocks. REQUIRES: the texts stand between
@@ -130,17 +187,15 @@ NLS_TARGET_AVX512 inline bool keepsShape(__m512i bytes, __m512i folded) {
     if (!hasUsualUtf8CaseAvx512(*locale.attrib, table, CaseForm::lower)) return compareFoldedUtf8(locale, a, b);
     const std::size_t room = std::min({roomIn(a, b), leftInBothPages(a.place, b.place), kBlock});
     const Stops stops = stopsOf(load(a.place, room), load(b.place, room), room);
-    const std::size_t whole = std::min<std::size_t>(_tzcnt_u64(stops.nuls), room);
-    alignas(64) Byte folds[2][kBlock];
-    const std::size_t done = std::min(mapUtf8CaseAvx512(table.casePages, CaseForm::lower, a.place, whole, folds[0]),
-                                      mapUtf8CaseAvx512(table.casePages, CaseForm::lower, b.place, whole, folds[1]));
-    const __m512i ofA = load(folds[0], done), ofB = load(folds[1], done);
-    if (!keepsShape(load(a.place, done), ofA) || !keepsShape(load(b.place, done), ofB))
-        return compareFoldedUtf8(locale, a, b);
-    const uint64_t differ = _mm512_cmpneq_epi8_mask(ofA, ofB);
-    if (differ != 0) return orderOf(folds[0][_tzcnt_u64(differ)], folds[1][_tzcnt_u64(differ)]);
-    a.place += done;
-    b.place += done;
+    const std::size_t count = std::min<std::size_t>(_tzcnt_u64(stops.nuls), room);
+    const FoldedBlock ofA = foldBlock(table, a.place, count), ofB = foldBlock(table, b.place, count);
+    if (!ofA.plain || !ofB.plain) return compareFoldedUtf8(locale, a, b);
+    const std::size_t whole = std::min(ofA.whole, ofB.whole);
+    const uint64_t differ = _bzhi_u64(_mm512_cmpneq_epi8_mask(ofA.bytes, ofB.bytes), static_cast<unsigned>(whole));
+    // As far as the blocks are the same, characters begin at the same places.
+    const std::size_t same = differ == 0 ? whole : 63 - _lzcnt_u64(ofA.starts & ofB.starts & _blsmsk_u64(differ));
+    a.place += same;
+    b.place += same;
     return a.atEnd() || b.atEnd() ? decideAtEnd(a, b) : compareFoldedUtf8(locale, a, b);
 }
 
