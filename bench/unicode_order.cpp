@@ -1,9 +1,11 @@
 // The order of characters' own values beside ICU's root collator, on columns of 200,000 values of 8 to 64 bytes.
 //
 // Pairs: random, neighbours in order, equal, and differing in case alone. Exact comparison stands beside the tertiary
-// strength, folded beside the secondary.
+// strength, folded beside the secondary. In the rows "memcmp" and "empty call" these take our place: for scale, and as
+// the least that fetching a pair and calling costs.
 //   bench_unicode_order [--cpu-level=1|2|3] [flags of Google Benchmark]
 #include <algorithm>
+#include <cstring>
 #include <numeric>
 #include <random>
 
@@ -93,10 +95,24 @@ std::shared_ptr<const Pairs> pairsOf(const std::string& kind, std::vector<std::s
     return pairs;
 }
 
-int compareOurs(const nlsLocale* by, std::string_view a, std::string_view b, uint16_t mode) {
+// Of the shape of nlsCompareN.
+#ifdef __clang__
+[[gnu::noinline]]
+#else
+[[gnu::noipa]]
+#endif
+nlsStatus
+compareNothing(const nlsLocale*, nlsTlsBlock*, const unsigned char*, const unsigned char*, int32_t, int32_t, uint16_t,
+               uint16_t* result) {
+    *result = 0;
+    return NLS_OK;
+}
+
+template <auto compareN>
+int compareBy(const nlsLocale* by, std::string_view a, std::string_view b, uint16_t mode) {
     uint16_t sign = 0;
-    if (nlsCompareN(by, nullptr, bytesOf(a), bytesOf(b), static_cast<int32_t>(a.size()), static_cast<int32_t>(b.size()),
-                    mode, &sign) != NLS_OK)
+    if (compareN(by, nullptr, bytesOf(a), bytesOf(b), static_cast<int32_t>(a.size()), static_cast<int32_t>(b.size()),
+                 mode, &sign) != NLS_OK)
         giveUp("nls: compare");
     return sign;
 }
@@ -107,9 +123,32 @@ void comparePairs(const std::string& label, const std::shared_ptr<const Pairs>& 
         nls::bench::compare(
             mode == 0 ? "compare folded" : "compare exactly", label, pairs->bytes(), pairs->count(),
             {{"nls",
-              [=, by = locale()] { pairs->compareAll([=](auto a, auto b) { return compareOurs(by, a, b, mode); }); }},
+              [=, by = locale()] {
+                  pairs->compareAll([=](auto a, auto b) { return compareBy<nlsCompareN>(by, a, b, mode); });
+              }},
              {"ICU root", [=] { pairs->compareAll([&](auto a, auto b) { return icu->compare(a, b); }); }}});
     }
+}
+
+// What can be reached at most.
+void compareLimits(const std::string& label, const std::shared_ptr<const Pairs>& pairs) {
+    const auto icu = std::make_shared<IcuCollator>(UCOL_TERTIARY);
+    const nls::bench::Candidate peer{"ICU root",
+                                     [=] { pairs->compareAll([&](auto a, auto b) { return icu->compare(a, b); }); }};
+    nls::bench::compare("memcmp", label, pairs->bytes(), pairs->count(),
+                        {{"memcmp",
+                          [=] {
+                              pairs->compareAll([](auto a, auto b) {
+                                  return std::memcmp(a.data(), b.data(), std::min(a.size(), b.size()));
+                              });
+                          }},
+                         peer});
+    nls::bench::compare("empty call", label, pairs->bytes(), pairs->count(),
+                        {{"empty call",
+                          [=, by = locale()] {
+                              pairs->compareAll([=](auto a, auto b) { return compareBy<compareNothing>(by, a, b, 1); });
+                          }},
+                         peer});
 }
 
 }  // namespace
@@ -117,8 +156,11 @@ void comparePairs(const std::string& label, const std::shared_ptr<const Pairs>& 
 int main(int argc, char** argv) {
     std::vector<char*> arguments = nls::bench::holdCpuLevel(argc, argv);
     for (const Language language : {Language::german, Language::russian, Language::japanese})
-        for (const char* const kind : {"random", "neighbours", "equal", "case"})
-            comparePairs(std::string(languageName(language)) + " " + kind,
-                         pairsOf(kind, nls::bench::column(language, kValues)));
+        for (const char* const kind : {"random", "neighbours", "equal", "case"}) {
+            const std::string label = std::string(languageName(language)) + " " + kind;
+            const auto pairs = pairsOf(kind, nls::bench::column(language, kValues));
+            comparePairs(label, pairs);
+            compareLimits(label, pairs);
+        }
     return nls::bench::runComparisons(static_cast<int>(arguments.size()), arguments.data());
 }

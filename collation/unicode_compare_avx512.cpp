@@ -88,11 +88,13 @@ inline uint32_t formOf(const nlsUnicodeCaseStruct& table, const LeadRow& lead, u
 
 // Not 0: the texts begin with two ASCII characters whose forms differ. Else nothing is known yet.
 inline int decidedByFirstAscii(const nlsLocale& locale, Byte a, Byte b) {
+    const unsigned x = a, y = b;
+    const unsigned borrows = (x - 1) | (y - 1) | ((x ^ y) - 1);  // above bit 7 for a NUL, or two of the same
+    if (((borrows >> 8 | x | y) & 0x80U) != 0) return 0;
     const auto& lengths = locale.attrib->lengthMap;
-    const unsigned differ = unsigned{a != b} & unsigned{(a | b) < 0x80} & unsigned{a * b != 0};
-    if (differ == 0 || ((lengths[a] | lengths[b]) & 0x07U) != 0) return 0;
+    if (((lengths[x] | lengths[y]) & 0x07U) != 0) return 0;
     const nlsUnicodeCaseStruct& table = unicodeCaseTable(*locale.caseTable);
-    return orderOf(formOf(table, kLeadRows[0], a), formOf(table, kLeadRows[0], b));
+    return orderOf(formOf(table, kLeadRows[0], x), formOf(table, kLeadRows[0], y));
 }
 
 using Lanes = std::array<signed char, kBlock>;
@@ -252,7 +254,7 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS int compareFoldedUtf8Avx512(const nlsLo
     if (!fitBlock(a.place, b.place, room)) [[unlikely]]
         return compareFoldedUtf8(locale, a, b);
     const Stops stops = stopsOf(load(a.place, room), load(b.place, room), room);
-    if (stops.all == 0 && a.limit - a.place == b.limit - b.place) return 0;
+    if ((unsigned{stops.all == 0} & unsigned{a.limit - a.place == b.limit - b.place}) != 0) return 0;
     const Difference at{static_cast<uint32_t>(_tzcnt_u64(stops.all)),
                         static_cast<uint32_t>(std::min<std::size_t>(_tzcnt_u64(stops.nuls), room))};
     if (at.place >= at.whole) [[unlikely]]  // one text ends, perhaps inside a character of the other
