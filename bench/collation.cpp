@@ -3,13 +3,16 @@
 //
 // Columns of 200,000 names, addresses and codes of 8 to 64 bytes; pairs of them at random, neighbouring in order,
 // equal, and differing in case; texts of a kilobyte that begin alike, and random ones. ICU compares the same texts in
-// UTF-8, at secondary strength beside the folded maps and at tertiary strength beside the exact ones.
+// UTF-8, at secondary strength beside the folded maps and at tertiary strength beside the exact ones. The column is
+// sorted by one program for all, with a comparison of their own or with keys of their own; memcmp, and keys that cost
+// nothing, show how much of its time is the sort itself.
 //   bench_collation [--cpu-level=1|2|3] [flags of Google Benchmark]
 #include <strings.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -229,54 +232,87 @@ void compareKeys(const Charset& charset, const std::shared_ptr<const Texts>& tex
     }
 }
 
+// The column as a program has it that sorts: a pointer and a length for each row.
 template <typename Less>
-Candidate sorting(const char* name, Less less) {
-    return {name, [less] {
-                std::vector<uint32_t> rows(kRows);
-                std::iota(rows.begin(), rows.end(), 0U);
+Candidate sorting(const char* name, const std::shared_ptr<const Texts>& texts, const Rows Texts::*form, Less less) {
+    return {name, [texts, form, less] {
+                std::vector<std::string_view> rows;
+                rows.reserve(kRows);
+                for (std::size_t i = 0; i < kRows; ++i) rows.push_back(((*texts).*form)[i]);
                 std::sort(rows.begin(), rows.end(), less);
             }};
 }
 
+// A key as databases sort it: its first bytes as a number, and where it stands for those that are alike so far.
+struct SortedKey {
+    uint64_t first;
+    const char* place;
+
+    explicit SortedKey(const unsigned char* key) : first(0), place(reinterpret_cast<const char*>(key)) {
+        for (unsigned i = 0; i < sizeof first && key[i] != 0; ++i) first |= uint64_t{key[i]} << (56 - 8 * i);
+    }
+    bool operator<(const SortedKey& other) const {
+        return first != other.first ? first < other.first : std::strcmp(place, other.place) < 0;
+    }
+};
+
 // Keys of all rows side by side, and the rows sorted by them.
 template <typename Key>
-Candidate sortingByKeys(const char* name, Key key) {
-    return {name, [key] {
-                constexpr std::size_t kRoom = 512, kMean = 160;
-                const std::unique_ptr<unsigned char[]> keys{new unsigned char[kRows * kMean + kRoom]};
-                std::vector<const char*> places;
-                places.reserve(kRows);
-                std::size_t used = 0;
-                for (std::size_t i = 0; i < kRows; ++i) {
-                    if (used > kRows * kMean) nls::bench::giveUp("longer keys than there is room for");
-                    places.push_back(reinterpret_cast<const char*>(keys.get() + used));
-                    used += key(i, keys.get() + used, kRoom) + 1;
-                }
-                std::sort(places.begin(), places.end(),
-                          [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
+class KeyedColumn {
+public:
+    explicit KeyedColumn(Key key) : key_(key), keys_(new unsigned char[kRows * kMean + kRoom]) { fill(); }
+
+    void fill() {
+        rows_.clear();
+        std::size_t used = 0;
+        for (std::size_t i = 0; i < kRows; ++i) {
+            if (used > kRows * kMean) nls::bench::giveUp("longer keys than there is room for");
+            const std::size_t length = key_(i, keys_.get() + used, kRoom);
+            rows_.emplace_back(keys_.get() + used);
+            used += length + 1;
+        }
+    }
+    std::vector<SortedKey> rows() const { return rows_; }
+
+private:
+    static constexpr std::size_t kRoom = 512, kMean = 160;
+
+    Key key_;
+    std::unique_ptr<unsigned char[]> keys_;
+    std::vector<SortedKey> rows_;
+};
+
+template <typename Key>
+Candidate sortingByKeys(const char* name, Key key, bool given = false) {
+    const auto column = std::make_shared<KeyedColumn<Key>>(key);
+    return {name, [column, given] {
+                if (!given) column->fill();
+                std::vector<SortedKey> rows = column->rows();
+                std::sort(rows.begin(), rows.end());
             }};
 }
 
+// Beside ICU, and beside what neither can be faster than: the sort alone, by memcmp or with the keys at hand.
 void compareSorting(const Charset& charset, const std::shared_ptr<const Texts>& texts) {
     const auto icu = std::make_shared<IcuCollator>(UCOL_SECONDARY);
     const auto utf16 = std::make_shared<std::vector<std::u16string>>();
     for (std::size_t i = 0; i < kRows; ++i) utf16->push_back(nls::bench::utf16Of(std::string{texts->utf8[i]}));
-    nls::bench::compare("sorting by comparison", charset.label, texts->own.bytes() / 3, kRows,
-                        {sorting("nls",
-                                 [locale = charset.locale->get(), texts](uint32_t a, uint32_t b) {
-                                     return compareOurs(locale, texts->own[a], texts->own[b], 0) < 0;
-                                 }),
-                         sorting("ICU", [icu, texts](uint32_t a, uint32_t b) {
-                             return icu->compare(texts->utf8[a], texts->utf8[b]) < 0;
-                         })});
-    nls::bench::compare("sorting by keys", charset.label, texts->own.bytes() / 3, kRows,
-                        {sortingByKeys("nls",
-                                       [&charset, texts](std::size_t i, unsigned char* key, std::size_t room) {
-                                           return keyOurs(charset, texts->own[i], 0, key, room);
-                                       }),
-                         sortingByKeys("ICU", [icu, utf16](std::size_t i, unsigned char* key, std::size_t room) {
-                             return icu->key((*utf16)[i], key, room) - 1;
-                         })});
+    const std::size_t bytes = texts->own.bytes() / 3;
+    const auto oursFirst = [locale = charset.locale->get()](std::string_view a, std::string_view b) {
+        return compareOurs(locale, a, b, 0) < 0;
+    };
+    besideEach("sorting by comparison", charset.label, bytes, kRows, sorting("nls", texts, &Texts::own, oursFirst),
+               {sorting("ICU", texts, &Texts::utf8,
+                        [icu](std::string_view a, std::string_view b) { return icu->compare(a, b) < 0; }),
+                sorting("memcmp", texts, &Texts::own, std::less<std::string_view>{})});
+    const auto ourKey = [&charset, texts](std::size_t i, unsigned char* key, std::size_t room) {
+        return keyOurs(charset, texts->own[i], 0, key, room);
+    };
+    const auto icuKey = [icu, utf16](std::size_t i, unsigned char* key, std::size_t room) {
+        return icu->key((*utf16)[i], key, room) - 1;
+    };
+    besideEach("sorting by keys", charset.label, bytes, kRows, sortingByKeys("nls", ourKey),
+               {sortingByKeys("ICU", icuKey), sortingByKeys("keys at hand", ourKey, true)});
 }
 
 std::vector<Charset> charsets() {

@@ -89,7 +89,7 @@ TEST_P(Keys, AllShortTextsInBuffersOfEverySize) {
                 3, [&](const std::string& text) {
                     const uint16_t mode = text.size() % 2 == 0;
                     for (const bool trim : {false, true})
-                        for (const std::size_t room : {0, 1, 2, 3, 4, 5, 6, 62, 63, 79})
+                        for (const std::size_t room : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 62U, 63U, 79U})
                             ASSERT_EQ(keyOf(route, text, room + 1, mode, trim),
                                       nls::reference::key(route.order(mode), basic, trim, text, room))
                                 << route.name << " '" << text << "' " << room << trim << basic;
