@@ -13,13 +13,31 @@
 
 #include <cstdint>
 
-#include "nls/records.h"
-#include "strings/like_pattern.hpp"
+#include "collation/compare.hpp"
+#include "strings/like_opening.hpp"
 
 namespace nls {
 
-// 1: it matches; 0: it doesn't; -1: the pattern is bad; or a status of the comparison of two characters. REQUIRES: the locale has an attribute table.
-int32_t matchLike(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* pattern, const unsigned char* text,
-                  uint16_t mode, LikeSigns signs);
+// All answer 1: it matches; 0: it doesn't; -1: the pattern is bad; or a status of the comparison of two characters.
+
+// REQUIRES: the locale has an attribute table.
+int32_t matchLikeUnderAny(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                          const unsigned char* text, uint16_t mode, const LikeSigns& signs);
+
+// REQUIRES: the locale has an attribute table, and byte tables that compare its charset as it is; `weights` is one of
+// their maps.
+int32_t matchLikeByTables(const nlsLocale& locale, WeightMap weights, const unsigned char* pattern,
+                          const unsigned char* text, const LikeSigns& signs);
+
+// In line with the call where the first characters decide. The signs come singly, as at the door, and what isn't needed
+// any more isn't handed on: until then nothing has to be put into memory. REQUIRES: the locale has an attribute table.
+inline int32_t matchLike(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                         const unsigned char* text, uint16_t mode, nlsLChar escape, nlsLChar single, nlsLChar multi) {
+    if (locale.coll == nullptr || !isByteMode(mode) || !firstPairMayDecide(locale))
+        return matchLikeUnderAny(locale, tls, pattern, text, mode, {escape, single, multi});
+    const WeightMap weights = WeightMap::of(*locale.coll, mode);
+    if (differAtOnce(weights, Charset{*locale.attrib}, {escape, single, multi}, *pattern, *text)) return kLikeNoMatch;
+    return matchLikeByTables(locale, weights, pattern, text, {escape, single, multi});
+}
 
 }  // namespace nls

@@ -15,6 +15,15 @@ struct LikeSigns {
     nlsLChar multi;
 };
 
+enum LikeVerdict : int32_t { kLikeBadPattern = -1, kLikeNoMatch = 0, kLikeMatch = 1 };
+
+// What a faster way says, if it says anything.
+enum class LikeAnswer { no, yes, unknown };
+// REQUIRES: it isn't unknown.
+constexpr LikeVerdict verdictOf(LikeAnswer answer) {
+    return answer == LikeAnswer::yes ? kLikeMatch : kLikeNoMatch;
+}
+
 enum class LikeKind {
     literal,  // also the end of a pattern, as a literal of its NUL
     single,
@@ -30,7 +39,8 @@ struct LikeElement {
 
 // A wildcard is known by its value, whatever that is: with 0 for `single` the end of an empty pattern is one.
 template <typename Characters>
-LikeElement readLikeElement(const Characters& characters, LikeSigns signs, const unsigned char* place) {
+[[gnu::always_inline]] inline LikeElement readLikeElement(const Characters& characters, const LikeSigns& signs,
+                                                          const unsigned char* place) {
     const auto read = characters.read(place);
     if (read.value == signs.escape && signs.escape != 0) {
         const auto escaped = characters.read(read.next);
@@ -60,7 +70,7 @@ struct LikeSegment {
 };
 
 template <typename Characters>
-LikeSegment readLikeSegment(const Characters& characters, LikeSigns signs, const unsigned char* begin) {
+LikeSegment readLikeSegment(const Characters& characters, const LikeSigns& signs, const unsigned char* begin) {
     LikeSegment segment{begin, 0, nullptr, nullptr, LikeSegment::End::text};
     bool behindSingle = false;
     for (const unsigned char* place = begin; *place != 0; ++segment.count) {

@@ -6,17 +6,19 @@
 
 namespace nls {
 
-enum LikeVerdict : int32_t { kLikeBadPattern = -1, kLikeNoMatch = 0, kLikeMatch = 1 };
-
 // `Characters` knows the characters of a locale:
 //   read(place)          value and next place, as an LChar; 0 and the same place at a NUL
 //   next(place)          the place behind a character; the same at a NUL
 //   compare(a, b)        status and sign of one character of the pattern against one of the text. Either may be a NUL:
 //                        the end of a text equals a blank
+// and perhaps faster ways for what follows the first `multi`:
+//   matchShort(signs, pattern, text)    an answer, if the text is short; neither is empty
+//   lastCharacters(count, text)         where the last characters begin; null if there are fewer
+//   passOver(signs, segment, text)      a place behind which all places stand where the segment may fit
 template <typename Characters>
 class LikeWalk {
 public:
-    LikeWalk(const Characters& characters, LikeSigns signs) : characters_(characters), signs_(signs) {}
+    LikeWalk(const Characters& characters, const LikeSigns& signs) : characters_(characters), signs_(signs) {}
 
     int32_t operator()(const unsigned char* pattern, const unsigned char* text) const {
         for (;;) {
@@ -55,6 +57,11 @@ private:
 
     int32_t behindMulti(const unsigned char* pattern, const unsigned char* text) const {
         if (*pattern == 0) return kLikeMatch;
+        if (*text == 0) return kLikeNoMatch;
+        if constexpr (requires { characters_.matchShort(signs_, pattern, text); }) {
+            const LikeAnswer answer = characters_.matchShort(signs_, pattern, text);
+            if (answer != LikeAnswer::unknown) return verdictOf(answer);
+        }
         while (*text != 0) {
             const LikeSegment segment = readLikeSegment(characters_, signs_, pattern);
             switch (segment.end) {
@@ -93,10 +100,13 @@ private:
 
     // The place behind the first part of the text that fits a whole segment; null if none does.
     const unsigned char* firstFit(const LikeSegment& segment, const unsigned char* text) const {
-        for (;; text = characters_.next(text)) {
+        for (;;) {
             const Fit found = fit(segment.begin, segment.count, text);
             if (found.result == Fit::Result::fits) return found.end;
             if (found.result == Fit::Result::textTooShort) return nullptr;
+            text = characters_.next(text);
+            if constexpr (requires { characters_.passOver(signs_, segment, text); })
+                text = characters_.passOver(signs_, segment, text);
         }
     }
 
@@ -118,6 +128,8 @@ private:
 
     // Where the last `count` characters of the text begin; null if it has fewer.
     const unsigned char* lastCharacters(std::size_t count, const unsigned char* text) const {
+        if constexpr (requires { characters_.lastCharacters(count, text); })
+            return characters_.lastCharacters(count, text);
         const unsigned char* ahead = text;
         for (; count != 0; --count) {
             if (*ahead == 0) return nullptr;
@@ -133,7 +145,7 @@ private:
     }
 
     const Characters& characters_;
-    LikeSigns signs_;
+    const LikeSigns& signs_;
 };
 
 }  // namespace nls

@@ -1,6 +1,7 @@
 // Door: search and replace.
 #include "core/base/checks.hpp"
 #include "nls/strings.h"
+#include "strings/like.hpp"
 #include "strings/replace.hpp"
 #include "strings/search.hpp"
 
@@ -99,4 +100,14 @@ nlsStatus nlsReplaceAll(const nlsLocale* locale, nlsTlsBlock* tls, const unsigne
         nls::replaceAll({*locale, tls, compareMode}, nls::untilNul(pattern), replacement, nls::untilNul(text), rec);
     *replaced = done.count;
     return done.status;
+}
+
+// ---- LIKE ----
+
+int32_t nlsSqlLike(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern, const unsigned char* text,
+                   uint16_t compareMode, nlsLChar escape, nlsLChar single, nlsLChar multi) {
+    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
+    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
+    if (pattern == nullptr || text == nullptr) return NLS_BAD_ARG;
+    return nls::matchLike(*locale, tls, pattern, text, compareMode, escape, single, multi);
 }

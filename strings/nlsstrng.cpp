@@ -1,4 +1,4 @@
-// Door: records of text, byte copies, counters, well-formed text, cuts, case, LIKE, names of charsets.
+// Door: records of text, byte copies, counters, well-formed text, cuts, case, names of charsets.
 #include <cstring>
 
 #include "core/base/checks.hpp"
@@ -6,7 +6,6 @@
 #include "strings/case_mapping.hpp"
 #include "strings/charset_names.hpp"
 #include "strings/counting.hpp"
-#include "strings/like.hpp"
 #include "strings/str_record.hpp"
 #include "strings/substr.hpp"
 #include "strings/validate.hpp"
@@ -174,16 +173,6 @@ nlsStatus nlsLowerCase(const nlsLocale* locale, nlsTlsBlock*, const nlsStr* from
 
 nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock*, const nlsStr* from, nlsStr* to) {
     return changeCase(locale, from, to, nls::CaseForm::upper);
-}
-
-// ---- LIKE ----
-
-int32_t nlsSqlLike(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern, const unsigned char* text,
-                   uint16_t compareMode, nlsLChar escape, nlsLChar single, nlsLChar multi) {
-    if (const nlsStatus bad = nls::checkLocale(locale)) return bad;
-    if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
-    if (pattern == nullptr || text == nullptr) return NLS_BAD_ARG;
-    return nls::matchLike(*locale, tls, pattern, text, compareMode, {escape, single, multi});
 }
 
 // ---- Names of charsets ----

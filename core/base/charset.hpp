@@ -1,6 +1,8 @@
 // What an attribute table says of its charset, as questions.
 #pragma once
 
+#include <emmintrin.h>
+
 #include "nls/records.h"
 
 namespace nls {
@@ -17,9 +19,14 @@ public:
     bool isLetter(unsigned char byte) const { return attrib_->alphaMap[byte] != 0; }
     // Asks the whole table, whatever the flags say.
     bool hasOnlySingleBytes() const {
-        unsigned any = 0;
-        for (const unsigned char entry : attrib_->lengthMap) any |= entry;
-        return (any & 0x07U) == 0;
+        const auto rows = [this](unsigned from) {
+            const auto* const row = reinterpret_cast<const __m128i*>(attrib_->lengthMap + from);
+            return _mm_or_si128(_mm_or_si128(_mm_loadu_si128(row), _mm_loadu_si128(row + 1)),
+                                _mm_or_si128(_mm_loadu_si128(row + 2), _mm_loadu_si128(row + 3)));
+        };
+        const __m128i all = _mm_or_si128(_mm_or_si128(rows(0), rows(64)), _mm_or_si128(rows(128), rows(192)));
+        const __m128i trails = _mm_and_si128(all, _mm_set1_epi8(0x07));
+        return _mm_movemask_epi8(_mm_cmpeq_epi8(trails, _mm_setzero_si128())) == 0xFFFF;
     }
     bool mayTrail(unsigned char byte) const { return attrib_->trailMap[byte] != 0; }
 

@@ -34,22 +34,29 @@ protected:
     void SetUp() override { nls::limitCpuLevel(GetParam()); }
     void TearDown() override { nls::limitCpuLevel(CpuLevel::avx512); }
 
-    // Beside the model, with a faulting page behind both texts.
-    void expect(const LikeWorld& world, const std::string& pattern, const std::string& text, uint16_t mode,
+    // Beside the model, with a faulting page behind both texts; then with a text that goes on in another page, and has
+    // letters behind its end.
+    void expect(const LikeWorld& world, const std::string& pattern, const std::string& text, unsigned mode,
                 LikeSet signs) {
+        const auto compareMode = static_cast<uint16_t>(mode);
         const unsigned char* const p = patterns_.atEnd(pattern.c_str(), pattern.size() + 1);
         const unsigned char* const t = texts_.atEnd(text.c_str(), text.size() + 1);
-        const nls::reference::Like model{world.locale, mode, signs.escape, signs.single, signs.multi};
+        unsigned char* const across = acrossPages_.atStart() + kPage - text.size() / 2;
+        std::memset(across + text.size(), 'a', 2 * kBlock);
+        std::memcpy(across, text.c_str(), text.size() + 1);
+        const nls::reference::Like model{world.locale, compareMode, signs.escape, signs.single, signs.multi};
         const int32_t want = model(p, t);
-        ASSERT_EQ(like(world.locale, p, t, mode, signs), want)
-            << world.name << ": " << testing::PrintToString(text) << " like " << testing::PrintToString(pattern)
-            << " in mode " << mode << std::hex << ", signs " << signs.escape << " " << signs.single << " "
-            << signs.multi;
+        for (const unsigned char* const place : {t, static_cast<const unsigned char*>(across)})
+            ASSERT_EQ(like(world.locale, p, place, compareMode, signs), want)
+                << world.name << ": " << testing::PrintToString(text) << " like " << testing::PrintToString(pattern)
+                << " in mode " << mode << std::hex << ", signs " << signs.escape << " " << signs.single << " "
+                << signs.multi << (place == t ? "" : ", in two pages");
         ++seen_[want + 1];
     }
 
+    static constexpr std::size_t kPage = 4096, kBlock = 64;
     LikeWorlds worlds_;
-    GuardedBuffer patterns_{4096}, texts_{4096};
+    GuardedBuffer patterns_{kPage}, texts_{kPage}, acrossPages_{2 * kPage};
     unsigned seen_[64] = {};
 };
 INSTANTIATE_TEST_SUITE_P(Levels, Like, testing::Values(CpuLevel::baseline, CpuLevel::avx512));
@@ -81,7 +88,8 @@ TEST(LikeDoor, ChecksInTheirOrder) {
     const auto answer = [](const nlsLocale* by, const unsigned char* pattern, const unsigned char* text) {
         return like(by, pattern, text, 2, kUsual);
     };
-    const auto* const text = bytesOf("a");
+    const std::string letter = "a";
+    const unsigned char* const text = bytesOf(letter);
     EXPECT_EQ(answer(&locale, text, text), NLS_BAD_COMPARE_MODE);
     EXPECT_EQ(answer(&locale, bytesOf("_"), text), 1);
     locale.coll = nullptr;
@@ -136,6 +144,41 @@ TEST_P(Like, RandomPatternsInEveryWorld) {
     }
     for (const int want : {-1, 0, 1, int{NLS_BAD_COMPARE_MODE}, int{NLS_BAD_COLLATION}, int{NLS_NO_SJIS}})
         EXPECT_NE(seen_[want + 1], 0U) << want;
+}
+
+// A part of the text as a pattern: some characters in the other case, wildcards or changed, signs escaped.
+std::string partAsPattern(std::mt19937& random, const std::string& text) {
+    const std::size_t begin = random() % (text.size() + 1), count = random() % (text.size() - begin + 1);
+    std::string pattern;
+    for (const char c : text.substr(begin, random() % 4 == 0 ? count : std::min(count, random() % 6))) {
+        const unsigned draw = static_cast<unsigned>(random() % 64);
+        if (draw == 0)
+            pattern += 'b';
+        else if (draw < 8)
+            pattern += '_';
+        else if (c == '%' || c == '_')
+            pattern += {'\\', c};
+        else
+            pattern += draw < 16 ? static_cast<char>(c ^ 0x20) : c;
+    }
+    return pattern;
+}
+
+// Several blocks of text, and pages that end in the midst of them.
+TEST_P(Like, LongTextsAndSegments) {
+    std::mt19937 random{5};
+    for (const char* const name : {"single", "single, crowded", "shift-jis", "utf8, kind 3", "euc"}) {
+        const LikeWorld& world = worlds_.at(name);
+        for (unsigned round = 0; round < 1500; ++round) {
+            std::string text = pieces(random, {"a", "a", "b", "%", " "}, round % 3 == 0 ? 260 : 70, "aaaaaaA");
+            if (round % 5 == 0) text.insert(random() % (text.size() + 1), pieces(random, world.pieces, 4, "a"));
+            std::string pattern = partAsPattern(random, text);
+            for (unsigned parts = random() % 4; parts != 0; --parts) pattern += '%' + partAsPattern(random, text);
+            expect(world, pattern, text, random() % 2, kUsual);
+            if (HasFatalFailure()) return;
+        }
+    }
+    EXPECT_GT(seen_[2], 500U);
 }
 
 // Runs `work` on a stack of 64 KiB.
