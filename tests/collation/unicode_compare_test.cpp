@@ -148,6 +148,7 @@ TEST_F(UnicodeOrder, PrefixesOfEveryLength) {
                                    {"\xE1\xBA\xA0", "\xE1\xBA\xA1"},
                                    {"\xC3", "\xC3\xA9"},
                                    {"\xC3", "\xC3 "},
+                                   {"a\xD1", "A\xD1 "},
                                    {"\xD0\xAF"
                                     "b\xC3\xA9",
                                     "\xD1\x8F"
@@ -197,6 +198,22 @@ TEST_F(UnicodeOrder, ByHand) {
     EXPECT_EQ(result, 1);
     EXPECT_EQ(nlsUnicodeCompare(&bare, bytesOf("A"), bytesOf("a"), nullptr, 0, -1, -1, &result), NLS_OK);
     EXPECT_EQ(result, 0xFFFF);
+}
+
+// Every character differs in case, so that blocks end inside some of them.
+TEST_F(UnicodeOrder, CaseAllAlong) {
+    const std::string units[][2] = {
+        {"x", "X"}, {"\xC3\xA9", "\xC3\x89"}, {"\xD1\x8F", "\xD0\xAF"}, {"\xE1\xBA\xA1", "\xE1\xBA\xA0"}};
+    for (const auto& [lower, upper] : units)
+        for (std::size_t shift = 0; shift < 4; ++shift) {
+            std::string a(shift, 'q'), b(shift, 'Q');
+            for (std::size_t count = 0; count < 48; ++count) {
+                a += lower;
+                b += upper;
+                ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), a, b));
+                ASSERT_NO_FATAL_FAILURE(expect(locale_, &table_.pages(), a + "a", b + "B"));
+            }
+        }
 }
 
 // A form of two bytes that spells two characters is one character all the same.
