@@ -90,6 +90,8 @@ TEST(NlsCheck, TellsEachBadPlace) {
         {"UTF-8", "\xE3\x81xy", "1:1: byte 0 (0xE381): not valid UTF-8: a character cut short"},
         {"UTF-8", "ab\xF0\x9F\x98", "1:3: byte 2 (0xF09F98): cut off by the end of the text"},
         {"UTF-16LE", "a\0\0\xD8z\0"s, "1:2: byte 2 (0x00D8): a high surrogate without a low"},
+        {"UTF-16LE", "\0\0a\0\0\0\x3D\xD8\0\xDE\0\xD8\0\0"s, "1:5: byte 10 (0x00D8): a high surrogate without a low"},
+        {"UTF-32BE", "\0\0\0\0\0\x10\xFF\xFF\0\0\0\0"s, ""},
         {"UTF-16BE", "\xDC\0\0a"s, "1:1: byte 0 (0xDC00): a low surrogate without a high"},
         {"UTF-16", "a", "byte 0 (0x61): cut off by the end"},
         {"UTF-32LE", "\0\xD8\0\0\0\0\x11\0"s, "a surrogate|byte 4 (0x00001100): a value above"},
@@ -242,7 +244,7 @@ TEST(NlsUsage, WrongWordsEndWithTwo) {
         EXPECT_TRUE(holds(answer.err, row.told)) << answer.err;
         EXPECT_EQ(std::count(answer.err.begin(), answer.err.end(), '\n'), 1) << answer.err;
     }
-    for (const char* command : {"convert", "check", "count", "list", "show", "dump"}) {
+    for (const char* command : {"convert", "check", "count", "find", "like", "cut", "list", "show", "dump"}) {
         EXPECT_EQ(run({command, "--help"}).exit, 0);
     }
     EXPECT_TRUE(holds(run({"--help"}).out, "Examples:"));

@@ -1,6 +1,7 @@
 #include "tools/nls/commands.hpp"
 #include "tools/nls/json.hpp"
 #include "tools/nls/order_options.hpp"
+#include "tools/nls/text_argument.hpp"
 
 namespace nls::tool {
 namespace {
@@ -11,28 +12,11 @@ struct Options {
     bool raw = false;
 };
 
-ByteView bytesOf(const std::string& text) {
-    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
-// A text of the command line in the charset.
-ByteBuffer inCharset(const TextCharset& charset, const std::string& text, bool raw) {
-    ByteBuffer bytes;
-    if (raw) {
-        bytes.append(bytesOf(text));
-    } else if (!validUtf8(bytesOf(text))) {
-        throw Failure(Exit::badInput, "\"" + text + "\" is not valid UTF-8; --raw takes bytes as they are");
-    } else if (!text.empty() && !charset.encode(bytesOf(text), bytes)) {
-        throw Failure(Exit::badInput, charset.name() + " lacks a character of \"" + text + "\"");
-    }
-    return bytes;
-}
-
 Exit compare(const Common& common, const Options& options) {
     Session session{findDataFile(common.dataFile)};
     const Order order{session, options.order.order, options.order.mode()};
-    const ByteBuffer a = inCharset(order.charset(), options.a, options.raw);
-    const ByteBuffer b = inCharset(order.charset(), options.b, options.raw);
+    const ByteBuffer a = textArgument(order.charset(), options.a, options.raw, Exit::badInput);
+    const ByteBuffer b = textArgument(order.charset(), options.b, options.raw, Exit::badInput);
     const int sign = order.compare(a.view(), b.view());
     const char* const answer = sign < 0 ? "<" : sign > 0 ? ">" : "=";
     if (!common.json) {

@@ -10,10 +10,11 @@ namespace nls::tool {
 
 enum class Exit : int {
     done = 0,
-    badInput = 1,     // text that isn't valid, or has no counterpart in the target charset
-    usage = 2,        // wrong arguments, or a name that the data file doesn't know
-    loss = 3,         // done, but substitutes stand in the output or characters were dropped
-    fileTrouble = 4,  // a file can't be opened, read or written; the data file is missing or unsound
+    badInput = 1,      // text that isn't valid, or has no counterpart in the target charset
+    nothingFound = 1,  // of the commands that look for something, as grep has it
+    usage = 2,         // wrong arguments, or a name that the data file doesn't know
+    loss = 3,          // done, but substitutes stand in the output, characters were dropped or not looked at
+    fileTrouble = 4,   // a file can't be opened, read or written; the data file is missing or unsound
 };
 
 // One line that says what, where and what to do.

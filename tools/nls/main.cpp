@@ -1,4 +1,4 @@
-// nls: text in many charsets converted, checked, counted and sorted, and the data file looked into.
+// nls: text in many charsets converted, checked, counted, searched and sorted, and the data file looked into.
 #include <csignal>
 #include <cstdio>
 #include <string>
@@ -23,7 +23,7 @@ void flushOutput() {
 namespace {
 
 constexpr const char* help =
-    "Convert, check, count and sort text in many charsets.\n"
+    "Convert, check, count, search and sort text in many charsets.\n"
     "Options alone, without a command, mean convert: nls -f KOI8-R -t UTF-8 old.txt";
 
 constexpr const char* footer =
@@ -33,9 +33,11 @@ constexpr const char* footer =
     "  nls convert -f UTF-8 -t 1252 -o out.txt in.txt\n"
     "  nls check -f UTF-8 *.txt                     valid? where not?\n"
     "  nls count -f EUCJIS in.txt                   bytes, characters, columns\n"
+    "  nls find -l 1252/german --fold text in.txt   lines with a text, by a collation\n"
     "  nls sort -l 1252/swedish names.txt           lines in the order of a collation\n"
     "\n"
-    "Exit codes: 0 done, 1 bad input, 2 usage or unknown name, 3 done with loss, 4 file trouble.\n"
+    "Exit codes: 0 done, 1 bad input, of find and like nothing found, 2 usage or unknown name, 3 done with loss, 4 "
+    "file trouble.\n"
     "The data file is the one of -D; else of ZELCONV; else convmap.cp in the directory QRD; else the installed one.\n";
 
 void addCommands(CLI::App& app, Common& common, Run& run) {
@@ -45,8 +47,8 @@ void addCommands(CLI::App& app, Common& common, Run& run) {
     app.footer(footer);
     app.require_subcommand(1);
     app.fallthrough();
-    for (const auto add : {&addConvert, &addCheck, &addCount, &addSort, &addCompare, &addKey, &addUpper, &addLower,
-                           &addFingerprint, &addList, &addShow, &addDump}) {
+    for (const auto add : {&addConvert, &addCheck, &addCount, &addFind, &addLike, &addCut, &addSort, &addCompare,
+                           &addKey, &addUpper, &addLower, &addFingerprint, &addList, &addShow, &addDump}) {
         add(app, common, run);
     }
 }
@@ -75,8 +77,8 @@ std::vector<std::string> withCommand(const CLI::App& app, std::vector<std::strin
     if (place >= words.size()) {
         throw Failure(
             Exit::usage,
-            "say what to do: convert, check, count, sort, compare, key, upper, lower, fingerprint, list, show "
-            "or dump; see nls --help");
+            "say what to do: convert, check, count, find, like, cut, sort, compare, key, upper, lower, fingerprint, "
+            "list, show or dump; see nls --help");
     }
     if (words[place].size() < 2 || words[place][0] != '-') {
         refuseUnknown(app, words[place]);

@@ -25,4 +25,12 @@ inline void addOrderOptions(CLI::App& command, OrderOptions& options) {
         ->capture_default_str();
 }
 
+// The short way to say it, for commands that look for something.
+inline void addFoldFlag(CLI::App& command, OrderOptions& options) {
+    command
+        .add_flag_callback(
+            "--fold", [&options] { options.fold = "fold"; }, "the same as --mode fold")
+        ->excludes("--mode");
+}
+
 }  // namespace nls::tool

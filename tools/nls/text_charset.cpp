@@ -40,6 +40,10 @@ nlsStatus convert(const nlsConvTable* table, ByteView source, ByteBuffer& target
     return status;
 }
 
+bool isZeroUnit(ByteView unit) {
+    return std::all_of(unit.begin(), unit.end(), [](unsigned char byte) { return byte == 0; });
+}
+
 bool holdsReplacement(ByteView text) {
     return std::search(text.begin(), text.end(), std::begin(replacement), std::end(replacement)) != text.end();
 }
@@ -174,14 +178,29 @@ Unit TextCharset::first(ByteView text) const {
     return {length, {}};
 }
 
+// The library's text ends at a unit of zeros, which is a character to the commands like any other.
+bool TextCharset::hasSoundUnits(ByteView piece) const {
+    const std::size_t unit = form_ == Form::units16 ? 2 : 4;
+    for (std::size_t scanned = 0; scanned != piece.size();) {
+        uint32_t chars = 0;
+        const ByteView rest = piece.subspan(scanned);
+        const nlsStatus status = nlsValidateString(locale_, nullptr, rest.data(), static_cast<int32_t>(rest.size()),
+                                                   swapped_ ? 1 : 0, &chars);
+        if (status != NLS_END_OF_STRING) return status == NLS_OK;
+        while (!isZeroUnit(piece.subspan(scanned, unit))) scanned += unit;
+        scanned += unit;
+    }
+    return true;
+}
+
 bool TextCharset::isWellFormed(ByteView piece) const {
     switch (form_) {
         case Form::utf8:
             return validUtf8(piece);
         case Form::units16:
-            return validUtf16(piece, swapped_);
+            return hasSoundUnits(piece);
         case Form::units32:
-            return validUtf32(piece, swapped_);
+            return hasSoundUnits(piece) && !holdsWideSurrogate(piece, swapped_);
         default:
             break;
     }

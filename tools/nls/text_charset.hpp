@@ -51,6 +51,7 @@ private:
     bool reads(unsigned char byte, ByteView text) const;
     void findSubstitute();
     bool isWellFormed(ByteView piece) const;
+    bool hasSoundUnits(ByteView piece) const;
     bool decodeLeniently(ByteView piece, ByteBuffer& text) const;
 
     std::string name_;

@@ -114,21 +114,11 @@ bool validUtf8(ByteView text) {
     return true;
 }
 
-bool validUtf16(ByteView text, bool swapped) {
-    while (!text.empty()) {
-        const Unit unit = firstUtf16(text, swapped);
-        if (!unit.fault.empty()) return false;
-        text = text.subspan(unit.length);
+bool holdsWideSurrogate(ByteView text, bool swapped) {
+    for (; text.size() >= 4; text = text.subspan(4)) {
+        if (isSurrogate(unit32(text.data(), swapped))) return true;
     }
-    return true;
-}
-
-bool validUtf32(ByteView text, bool swapped) {
-    while (!text.empty()) {
-        if (!firstUtf32(text, swapped).fault.empty()) return false;
-        text = text.subspan(4);
-    }
-    return true;
+    return false;
 }
 
 uint32_t codePointOf(ByteView character) {

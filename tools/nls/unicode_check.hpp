@@ -1,4 +1,5 @@
-// Strict well-formedness of Unicode text, stricter than the library's conversions, which go by lengths alone.
+// Strict well-formedness of Unicode text, stricter than the library's conversions, which go by lengths alone. Whole
+// pieces of 16-bit and 32-bit units are left to the library's nlsValidateString.
 // Tested by tests/tools/nls_names_test.cpp.
 #pragma once
 
@@ -23,8 +24,8 @@ Unit firstUtf16(ByteView text, bool swapped);
 Unit firstUtf32(ByteView text, bool swapped);
 
 bool validUtf8(ByteView text);
-bool validUtf16(ByteView text, bool swapped);
-bool validUtf32(ByteView text, bool swapped);
+// Whether a unit of 32 bits is a surrogate, which the library lets pass.
+bool holdsWideSurrogate(ByteView text, bool swapped);
 
 // The code point of valid UTF-8, and how many stand in a text.
 uint32_t codePointOf(ByteView character);
