@@ -44,9 +44,9 @@ NLS_TARGET_AVX512 inline BridgedLanes eucToSjis(Lanes text) {
     const __mmask64 trails = seconds.lanes & grid, leads = trails >> 1;
     const __mmask64 oddRows = _mm512_mask_test_epi8_mask(leads, bytes, all(1)) << 1;  // those of their second bytes
     // (row + 1) / 2 + 0x70, 0xB0 from row 0x5F on; a row is its byte less 0x80.
-    const __m512i halves = _mm512_avg_epu8(_mm512_sub_epi8(bytes, all(0x80)), _mm512_setzero_si512());
+    const __m512i halves = _mm512_avg_epu8(bytes, _mm512_setzero_si512());  // with 0x40 too many
     const __mmask64 highRows = _mm512_cmpge_epu8_mask(bytes, all(0xDF));
-    const __m512i newLeads = _mm512_add_epi8(halves, _mm512_mask_mov_epi8(all(0x70), highRows, all(0xB0)));
+    const __m512i newLeads = _mm512_add_epi8(halves, _mm512_mask_mov_epi8(all(0x30), highRows, all(0x70)));
     // A column is its byte less 0x80. Even row: 0x7E more; odd row: 0x1F, and 0x20 from column 0x60 on.
     const __mmask64 highColumns = _mm512_cmpge_epu8_mask(bytes, all(0xE0));
     const __m512i inOddRow = _mm512_mask_mov_epi8(all(0x9F), highColumns, all(0xA0));
