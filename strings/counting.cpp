@@ -22,7 +22,7 @@ public:
     nlsStatus run(uint32_t limit) {
         if (stride_ == Stride::byte) return takeBytes(limit);
         while (pos_ != end_ && chars_ != limit) {
-            if (stride_ != Stride::character && left() >= blockSize && takeBlock(limit)) continue;
+            if (stride_ != Stride::character && takeNextBlock(limit)) continue;
             const unsigned char* const pause = pos_ + std::min<std::size_t>(left(), blockSize);
             while (pos_ < pause && chars_ != limit) {
                 if (!takeChar()) return NLS_PARTIAL_CHAR;
@@ -50,8 +50,11 @@ private:
         return true;
     }
     // False, and nothing taken, for a block that isn't plain or holds more characters than the limit allows.
-    bool takeBlock(uint32_t limit) {
-        const Utf8Block block = blockAt(stride_, ByteBlock{pos_});
+    bool takeNextBlock(uint32_t limit) {
+        if (left() >= blockSize) return takeBlock(blockAt(stride_, ByteBlock{pos_}), limit);
+        return takeBlock(lastBlock(stride_, ByteBlock::padded(pos_, left()), left()), limit);
+    }
+    bool takeBlock(const Utf8Block& block, uint32_t limit) {
         if (!block.plain) return false;
         const unsigned chars = bitCount(block.starts);
         if (chars > limit - chars_) return false;

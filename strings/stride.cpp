@@ -3,13 +3,8 @@
 namespace nls {
 namespace {
 
-unsigned anyTrail(const Charset& charset, unsigned first, unsigned last) {
-    unsigned any = 0;
-    for (unsigned byte = first; byte <= last; ++byte) any |= charset.trailCount(static_cast<unsigned char>(byte));
-    return any;
-}
-
-bool alwaysTrail(const Charset& charset, unsigned first, unsigned last, unsigned count) {
+template <unsigned first, unsigned last>
+bool alwaysTrail(const Charset& charset, unsigned count) {
     unsigned other = 0;
     for (unsigned byte = first; byte <= last; ++byte) {
         other |= charset.trailCount(static_cast<unsigned char>(byte)) ^ count;
@@ -18,15 +13,15 @@ bool alwaysTrail(const Charset& charset, unsigned first, unsigned last, unsigned
 }
 
 bool countsAsUtf8(const Charset& charset) {
-    return alwaysTrail(charset, 0xC2, 0xDF, 1) && alwaysTrail(charset, 0xE0, 0xEF, 2) &&
-           alwaysTrail(charset, 0xF0, 0xF4, 3);
+    return alwaysTrail<0xC2, 0xDF>(charset, 1) && alwaysTrail<0xE0, 0xEF>(charset, 2) &&
+           alwaysTrail<0xF0, 0xF4>(charset, 3);
 }
 
 }  // namespace
 
 Stride strideOf(const Charset& charset, std::size_t length) {
-    if (length < blockSize || anyTrail(charset, 0, 0x7F) != 0) return Stride::character;
-    if (anyTrail(charset, 0x80, 0xFF) == 0) return Stride::byte;
+    if (length < blockSize || !charset.hasSingleByteAscii()) return Stride::character;
+    if (charset.hasOnlySingleBytes()) return Stride::byte;
     return charset.isUtf8() && countsAsUtf8(charset) ? Stride::utf8 : Stride::ascii;
 }
 

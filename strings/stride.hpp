@@ -27,4 +27,11 @@ inline Utf8Block blockAt(Stride stride, const ByteBlock& bytes) {
     return {bytes.high() == 0, blockSize, ~uint64_t{0}};
 }
 
+// The same with the last `count` bytes of a text, which stand in front of zeros: a character that lacks bytes isn't
+// plain. REQUIRES: count < 64.
+inline Utf8Block lastBlock(Stride stride, const ByteBlock& bytes, std::size_t count) {
+    const Utf8Block block = blockAt(stride, bytes);
+    return {block.plain, static_cast<unsigned>(count), block.starts & ((uint64_t{1} << count) - 1)};
+}
+
 }  // namespace nls

@@ -7,7 +7,9 @@
 
 #include <emmintrin.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace nls {
 
@@ -26,6 +28,12 @@ public:
     // REQUIRES: 64 readable bytes.
     explicit ByteBlock(const unsigned char* place) {
         for (int i = 0; i < 4; ++i) part_[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place) + i);
+    }
+    // The `count` bytes at `place` with zeros behind them. REQUIRES: count < 64.
+    static ByteBlock padded(const unsigned char* place, std::size_t count) {
+        unsigned char bytes[blockSize] = {};
+        std::memcpy(bytes, place, count);
+        return ByteBlock{bytes};
     }
     uint64_t high() const {
         return join([](__m128i part) { return part; });

@@ -25,9 +25,10 @@ Validated validateSingleBytes(const unsigned char* text, int32_t byteLen) {
 Stride judgingStride(const Charset& charset, std::size_t length) {
     const Stride stride = strideOf(charset, length);
     if (stride != Stride::utf8) return stride;
-    bool all = true;
-    for (unsigned byte = 0x80; byte < 0xC0; ++byte) all = all && charset.mayTrail(static_cast<unsigned char>(byte));
-    return all ? Stride::utf8 : Stride::ascii;
+    unsigned refused = 0;
+    for (unsigned byte = 0x80; byte < 0xC0; ++byte)
+        refused += charset.mayTrail(static_cast<unsigned char>(byte)) ? 0 : 1;
+    return refused == 0 ? Stride::utf8 : Stride::ascii;
 }
 
 // The character at `place`, which is in front of `end`.
@@ -41,16 +42,29 @@ inline nlsStatus judgeCharacter(const Charset& charset, const unsigned char* pla
     return NLS_OK;
 }
 
+// The next block, or what is left of the text; plain if it is whole characters alone, and none of them a NUL.
+Utf8Block soundBlock(Stride stride, const unsigned char* place, std::size_t left) {
+    if (left >= blockSize) {
+        const ByteBlock bytes{place};
+        Utf8Block block = blockAt(stride, bytes);
+        block.plain = block.plain && bytes.equal(0) == 0;
+        return block;
+    }
+    const ByteBlock bytes = ByteBlock::padded(place, left);
+    Utf8Block block = lastBlock(stride, bytes, left);
+    block.plain = block.plain && (bytes.equal(0) << (blockSize - left)) == 0;
+    return block;
+}
+
 Validated validateCharacters(const Charset& charset, ByteView text) {
     const Stride stride = judgingStride(charset, text.size());
     const unsigned char* place = text.data();
     const unsigned char* const end = place + text.size();
     uint32_t chars = 0;
     while (place != end) {
-        if (stride != Stride::character && static_cast<std::size_t>(end - place) >= blockSize) {
-            const ByteBlock bytes{place};
-            const Utf8Block block = blockAt(stride, bytes);
-            if (block.plain && bytes.equal(0) == 0) {
+        if (stride != Stride::character) {
+            const Utf8Block block = soundBlock(stride, place, static_cast<std::size_t>(end - place));
+            if (block.plain) {
                 chars += bitCount(block.starts);
                 place += block.bytes;
                 continue;

@@ -18,16 +18,8 @@ public:
     bool oneColumn(unsigned char first) const { return (attrib_->lengthMap[first] & 0x08U) != 0; }
     bool isLetter(unsigned char byte) const { return attrib_->alphaMap[byte] != 0; }
     // Asks the whole table, whatever the flags say.
-    bool hasOnlySingleBytes() const {
-        const auto rows = [this](unsigned from) {
-            const auto* const row = reinterpret_cast<const __m128i*>(attrib_->lengthMap + from);
-            return _mm_or_si128(_mm_or_si128(_mm_loadu_si128(row), _mm_loadu_si128(row + 1)),
-                                _mm_or_si128(_mm_loadu_si128(row + 2), _mm_loadu_si128(row + 3)));
-        };
-        const __m128i all = _mm_or_si128(_mm_or_si128(rows(0), rows(64)), _mm_or_si128(rows(128), rows(192)));
-        const __m128i trails = _mm_and_si128(all, _mm_set1_epi8(0x07));
-        return _mm_movemask_epi8(_mm_cmpeq_epi8(trails, _mm_setzero_si128())) == 0xFFFF;
-    }
+    bool hasOnlySingleBytes() const { return areSingle(_mm_or_si128(entriesFrom(0), entriesFrom(128))); }
+    bool hasSingleByteAscii() const { return areSingle(entriesFrom(0)); }
     bool mayTrail(unsigned char byte) const { return attrib_->trailMap[byte] != 0; }
 
     const nlsAttribStruct& attrib() const { return *attrib_; }
@@ -41,6 +33,19 @@ public:
     bool isCp936() const { return has(NLS_CHARSET_CP936); }
 
 private:
+    // What 128 entries of the table of lengths have among them.
+    __m128i entriesFrom(unsigned first) const {
+        const auto rows = [this](unsigned from) {
+            const auto* const row = reinterpret_cast<const __m128i*>(attrib_->lengthMap + from);
+            return _mm_or_si128(_mm_or_si128(_mm_loadu_si128(row), _mm_loadu_si128(row + 1)),
+                                _mm_or_si128(_mm_loadu_si128(row + 2), _mm_loadu_si128(row + 3)));
+        };
+        return _mm_or_si128(rows(first), rows(first + 64));
+    }
+    static bool areSingle(__m128i entries) {
+        const __m128i trails = _mm_and_si128(entries, _mm_set1_epi8(0x07));
+        return _mm_movemask_epi8(_mm_cmpeq_epi8(trails, _mm_setzero_si128())) == 0xFFFF;
+    }
     bool has(int32_t bit) const { return (attrib_->flags & bit) != 0; }
 
     const nlsAttribStruct* attrib_;

@@ -213,8 +213,8 @@ TEST(NlsCut, NeverCutsACharacter) {
 TEST(NlsCut, EveryRangeOfALine) {
     std::mt19937 random{2};
     const std::string line = randomLine(random, 60);
-    for (std::size_t start = 1; start <= line.size(); start += 7) {
-        for (std::size_t count = 1; count < 20; count += 3) {
+    for (std::size_t start = 1; start <= line.size(); start += 11) {
+        for (std::size_t count = 1; count < 20; count += 6) {
             std::string want;
             for (std::size_t at = 0; at < line.size();) {
                 std::size_t size = 1;

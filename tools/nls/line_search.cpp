@@ -92,11 +92,11 @@ void LineSearch::tellFault(const Line& line, uint64_t offset, const Finding& fin
     anyFault_ = true;
     if (++counts.faulty != 1 || common_.json) return;
     progress_.hide();
-    std::fprintf(stderr, "nls: %s:%llu:%llu: byte %llu (%s): %s\n", line.file.c_str(),
-                 static_cast<unsigned long long>(line.number),
-                 static_cast<unsigned long long>(columnOf(order_, line.text, *finding.fault)),
-                 static_cast<unsigned long long>(offset + *finding.fault),
-                 hexOf(line.text.subspan(*finding.fault, 1)).c_str(), finding.consequence);
+    const std::string where = line.file + ":" + std::to_string(line.number) + ":" +
+                              std::to_string(columnOf(order_, line.text, *finding.fault)) + ": byte " +
+                              std::to_string(offset + *finding.fault);
+    std::fprintf(stderr, "nls: %s (%s): %s\n", where.c_str(), hexOf(line.text.subspan(*finding.fault, 1)).c_str(),
+                 finding.consequence);
 }
 
 void LineSearch::tellCounts(const std::string& file, const Counts& counts) {
