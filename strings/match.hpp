@@ -1,11 +1,11 @@
 // What a search is given, and what it answers.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "nls/records.h"
 #include "nls/status.h"
+#include "strings/two_way.hpp"
 
 namespace nls {
 
@@ -23,15 +23,9 @@ struct Wildcards {
 };
 inline constexpr Wildcards kNoWildcards{false, 0};
 
-// Offsets in bytes. With another status than NLS_OK, or without a match, they mean nothing.
 struct Match {
     nlsStatus status;
-    bool found;
-    std::size_t start;
-    std::size_t end;  // behind the match; an empty pattern is found at the end of the text, and its match ends 1 later
+    Span span;  // with NLS_OK; without a match its start is null
 };
-constexpr Match noMatch(nlsStatus status = NLS_OK) {
-    return {status, false, 0, 0};
-}
 
 }  // namespace nls

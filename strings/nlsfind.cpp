@@ -1,20 +1,15 @@
 // Door: search and replace.
 #include "core/base/checks.hpp"
+#include "core/base/cpu.hpp"
 #include "nls/strings.h"
 #include "strings/like.hpp"
 #include "strings/replace.hpp"
 #include "strings/search.hpp"
+#include "strings/short_search.hpp"
 
 // ---- Search and replace ----
 
 namespace {
-
-// The places where a caller wants to have a match.
-struct MatchOut {
-    uint32_t* pos;
-    uint32_t* end;
-    const unsigned char** found;
-};
 
 nlsStatus checkSearch(const nlsLocale* locale, const unsigned char* pattern, const unsigned char* text, uint32_t* pos,
                       const unsigned char** found) {
@@ -26,19 +21,12 @@ nlsStatus checkSearch(const nlsLocale* locale, const unsigned char* pattern, con
     return NLS_NO_ATTRIB;
 }
 
-// REQUIRES: the search went without a failure.
-void handOut(const nls::Match& match, const unsigned char* text, uint32_t* pos, const unsigned char** found) {
-    *found = match.found ? text + match.start : nullptr;
-    if (match.found) *pos = static_cast<uint32_t>(match.start + 1);
-}
-
-nls::Match searchAndTell(const nls::Comparing& by, const unsigned char* pattern, nls::ByteView text,
-                         nls::Wildcards wildcards, const MatchOut& out) {
-    const nls::Match match = nls::searchForward(by, nls::untilNul(pattern), text, wildcards);
-    if (match.status != NLS_OK) return match;
-    handOut(match, text.data(), out.pos, out.found);
-    if (match.found) *out.end = static_cast<uint32_t>(match.end);
-    return match;
+// With the arguments of nlsSearchForw in their places.
+[[gnu::noinline]] nlsStatus searchInFull(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                         const unsigned char* text, uint16_t compareMode, uint32_t* pos, uint32_t* end,
+                                         const unsigned char** found) {
+    if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
+    return nls::searchAndTell(locale, tls, pattern, text, compareMode, pos, end, found);
 }
 
 }  // namespace
@@ -47,26 +35,28 @@ nlsStatus nlsSearchForwBase(const nlsLocale* locale, nlsTlsBlock* tls, const uns
                             const unsigned char* text, uint16_t compareMode, uint16_t wildcards, int32_t escape,
                             uint32_t* pos, uint32_t* end, const unsigned char** found) {
     if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
-    return searchAndTell({*locale, tls, compareMode}, pattern, nls::untilNul(text), {wildcards != 0, escape},
-                         {pos, end, found})
-        .status;
+    if (wildcards == 0) return nls::searchAndTell(locale, tls, pattern, text, compareMode, pos, end, found);
+    return nls::searchAndTell(locale, tls, pattern, text, compareMode, escape, pos, end, found);
 }
 
+// Most searches are short. What they need is asked here, and all else is left to functions that take over the arguments
+// of this one as they are.
 nlsStatus nlsSearchForw(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                         const unsigned char* text, uint16_t compareMode, uint32_t* pos, uint32_t* end,
                         const unsigned char** found) {
-    if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
-    return searchAndTell({*locale, tls, compareMode}, pattern, nls::untilNul(text), nls::kNoWildcards,
-                         {pos, end, found})
-        .status;
+    const bool given = pattern != nullptr && text != nullptr && found != nullptr;
+    if (!given || nls::checkLocale(locale) != NLS_OK || !nls::maySearchShort(*locale, compareMode))
+        return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (nls::cpuLevel() >= nls::CpuLevel::avx512)
+        return nls::searchShortAvx512(locale, tls, pattern, text, compareMode, pos, end, found);
+    return nls::searchShortPlain(locale, tls, pattern, text, compareMode, pos, end, found);
 }
 
 nlsStatus nlsSearchForwWithEscape(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                                   const unsigned char* text, uint16_t compareMode, int32_t escape, uint32_t* pos,
                                   uint32_t* end, const unsigned char** found) {
     if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
-    return searchAndTell({*locale, tls, compareMode}, pattern, nls::untilNul(text), {true, escape}, {pos, end, found})
-        .status;
+    return nls::searchAndTell(locale, tls, pattern, text, compareMode, escape, pos, end, found);
 }
 
 nlsStatus nlsSearchBack(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
@@ -74,19 +64,20 @@ nlsStatus nlsSearchBack(const nlsLocale* locale, nlsTlsBlock* tls, const unsigne
                         const unsigned char** found) {
     if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
     const nls::Match match = nls::searchBackward({*locale, tls, compareMode}, nls::untilNul(pattern), text, textLen);
-    if (match.status == NLS_OK) handOut(match, text, pos, found);
-    return match.status;
+    if (match.status != NLS_OK) return match.status;
+    *found = match.span.start;
+    if (match.span.start != nullptr) *pos = static_cast<uint32_t>(match.span.start - text + 1);
+    return NLS_OK;
 }
 
 nlsStatus nlsReplace(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                      const unsigned char* replacement, const unsigned char* text, uint16_t compareMode, nlsStr* rec,
                      uint32_t* pos, uint32_t* end, const unsigned char** found) {
     if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
-    const nls::ByteView whole = nls::untilNul(text);
-    const nls::Match match =
-        searchAndTell({*locale, tls, compareMode}, pattern, whole, nls::kNoWildcards, {pos, end, found});
-    if (match.status != NLS_OK) return match.status;
-    return rec == nullptr ? NLS_BAD_ARG : nls::replaceMatch(*rec, whole, match, replacement);
+    if (const nlsStatus bad = nls::searchAndTell(locale, tls, pattern, text, compareMode, pos, end, found)) return bad;
+    if (rec == nullptr) return NLS_BAD_ARG;
+    const unsigned char* const behind = *found == nullptr ? nullptr : *pattern == 0 ? *found : text + *end;
+    return nls::replaceMatch(*rec, text, {*found, behind}, replacement);
 }
 
 nlsStatus nlsReplaceAll(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
@@ -97,7 +88,7 @@ nlsStatus nlsReplaceAll(const nlsLocale* locale, nlsTlsBlock* tls, const unsigne
     if (pattern == nullptr || text == nullptr) return NLS_BAD_ARG;
     if (locale->attrib == nullptr) return NLS_NO_ATTRIB;
     const nls::Replaced done =
-        nls::replaceAll({*locale, tls, compareMode}, nls::untilNul(pattern), replacement, nls::untilNul(text), rec);
+        nls::replaceAll({*locale, tls, compareMode}, nls::untilNul(pattern), replacement, text, rec);
     *replaced = done.count;
     return done.status;
 }

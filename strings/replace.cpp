@@ -18,10 +18,6 @@ nlsStatus appendReplacement(nlsStr& record, const unsigned char* replacement) {
     return replacement == nullptr ? NLS_BAD_ARG : append(record, untilNul(replacement));
 }
 
-ByteView behind(ByteView text, const Match& match) {
-    return text.subspan(std::min(match.end, text.size()));
-}
-
 // Blanks over the text, so that none of it stays behind.
 void wipe(nlsStr& record) {
     const int64_t used = std::min<int64_t>(record.bufSize, record.strLength);
@@ -30,39 +26,61 @@ void wipe(nlsStr& record) {
     record.strLength = 0;
 }
 
+// The result as far as it has come.
+struct Progress {
+    nlsStr* record;
+    const unsigned char* replacement;
+    const unsigned char* rest;  // behind the last match
+    Replaced done;
+};
+
+nlsStatus replaceNext(Progress& progress, const Span& match) {
+    if (progress.record == nullptr) return NLS_BAD_ARG;
+    const ByteView before{progress.rest, match.start};
+    const bool first = progress.done.count == 0;
+    const nlsStatus bad = first ? replaceText(*progress.record, before.data(), static_cast<int64_t>(before.size()))
+                                : append(*progress.record, before);
+    return bad != NLS_OK ? bad : appendReplacement(*progress.record, progress.replacement);
+}
+
+GoOn takeMatch(void* context, const Span& match) {
+    Progress& progress = *static_cast<Progress*>(context);
+    progress.done.status = replaceNext(progress, match);
+    if (progress.done.status != NLS_OK) {
+        if (progress.record != nullptr) wipe(*progress.record);
+        return GoOn::stop;
+    }
+    ++progress.done.count;
+    progress.rest = match.end;
+    return *match.end == 0 ? GoOn::stop : GoOn::behindMatch;
+}
+
+nlsStatus replaceWhole(nlsStr& record, ByteView text) {
+    return replaceText(record, text.data(), static_cast<int64_t>(text.size()));
+}
+
 }  // namespace
 
-nlsStatus replaceMatch(nlsStr& record, ByteView text, const Match& match, const unsigned char* replacement) {
-    if (!match.found) return replaceText(record, text.data(), static_cast<int64_t>(text.size()));
-    if (const nlsStatus bad = replaceText(record, text.data(), static_cast<int64_t>(match.start))) return bad;
+nlsStatus replaceMatch(nlsStr& record, const unsigned char* text, const Span& match, const unsigned char* replacement) {
+    if (match.start == nullptr) return replaceWhole(record, untilNul(text));
+    if (const nlsStatus bad = replaceWhole(record, {text, match.start})) return bad;
     nlsStatus status = appendReplacement(record, replacement);
-    if (status == NLS_OK) status = append(record, behind(text, match));
+    if (status == NLS_OK) status = append(record, untilNul(match.end));
     if (status != NLS_OK) wipe(record);
     return status;
 }
 
-Replaced replaceAll(const Comparing& by, ByteView pattern, const unsigned char* replacement, ByteView text,
+Replaced replaceAll(const Comparing& by, ByteView pattern, const unsigned char* replacement, const unsigned char* text,
                     nlsStr* record) {
-    Match match = searchForward(by, pattern, text, kNoWildcards);
-    if (match.status != NLS_OK) return {match.status, 0};
+    Progress progress{record, replacement, text, {NLS_OK, 0}};
+    const nlsStatus searched = searchForEach(by, pattern, text, kNoWildcards, {takeMatch, &progress});
+    if (searched != NLS_OK) return {searched, 0};  // with the first comparison or before it
+    if (progress.done.status != NLS_OK) return progress.done;
     if (record == nullptr) return {NLS_BAD_ARG, 0};
-    if (!match.found) return {replaceText(*record, text.data(), static_cast<int64_t>(text.size())), 0};
-    uint32_t count = 0;
-    nlsStatus status = replaceText(*record, text.data(), static_cast<int64_t>(match.start));
-    while (status == NLS_OK) {
-        status = appendReplacement(*record, replacement);
-        if (status != NLS_OK) break;
-        ++count;
-        text = behind(text, match);
-        if (text.empty()) break;
-        match = searchForward(by, pattern, text, kNoWildcards);
-        status = match.status;
-        if (status != NLS_OK) break;
-        status = append(*record, match.found ? text.first(match.start) : text);
-        if (!match.found) break;
-    }
-    if (status != NLS_OK) wipe(*record);
-    return {status, count};
+    if (progress.done.count == 0) return {replaceWhole(*record, untilNul(text)), 0};
+    progress.done.status = append(*record, untilNul(progress.rest));
+    if (progress.done.status != NLS_OK) wipe(*record);
+    return progress.done;
 }
 
 }  // namespace nls

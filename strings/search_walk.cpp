@@ -10,22 +10,19 @@ namespace nls {
 
 namespace {
 constexpr unsigned char kWildcard = '_';
-}
-
-struct ForwardWalk::Attempt {
-    nlsStatus status;
-    const unsigned char* end;  // null: the candidate doesn't match
-};
+constexpr Match kNone{NLS_OK, {nullptr, nullptr}};
+}  // namespace
 
 ForwardWalk::ForwardWalk(const Comparing& by, const unsigned char* pattern, uint32_t patternChars, Wildcards wildcards,
-                         const unsigned char* place, uint32_t left)
+                         ByteView text, uint32_t textChars)
     : by_(by),
       charset_(*by.locale.attrib),
       pattern_(pattern),
       patternChars_(patternChars),
       wildcards_(wildcards),
-      place_(place),
-      left_(left) {}
+      place_(text.data()),
+      textEnd_(text.data() + text.size()),
+      left_(textChars) {}
 
 const unsigned char* ForwardWalk::behind(const unsigned char* place) const {
     return characterEnd(charset_, place);
@@ -33,7 +30,7 @@ const unsigned char* ForwardWalk::behind(const unsigned char* place) const {
 
 // Behind the head, wildcards that pass over characters, the pattern is compared even where only its NUL is left. In the
 // tail it has to go on to be compared; a wildcard there passes over a character if the text has one.
-ForwardWalk::Attempt ForwardWalk::matchHere() const {
+Match ForwardWalk::matchHere() const {
     const CharacterEquality equality{by_.locale, by_.tls, by_.mode};
     const unsigned char *p = pattern_, *t = place_;
     if (wildcards_.on) {
@@ -42,31 +39,33 @@ ForwardWalk::Attempt ForwardWalk::matchHere() const {
     }
     for (;;) {
         const Compared compared = equality(p, t);
-        if (compared.status != NLS_OK) return {compared.status, nullptr};
-        if (static_cast<uint16_t>(compared.sign) != 0) return {NLS_OK, nullptr};
+        if (compared.status != NLS_OK) return {compared.status, {}};
+        if (static_cast<uint16_t>(compared.sign) != 0) return kNone;
         bool passed;
         do {
             p = behind(p);
             t = behind(t);
-            if (*p == 0) return {NLS_OK, t};
+            if (*p == 0) return {NLS_OK, {place_, t}};
             passed = wildcards_.on && !isEscape(*p) && *p == kWildcard;
         } while (passed);
         if (wildcards_.on && isEscape(*p)) p = behind(p);
     }
 }
 
-ForwardWalk::Found ForwardWalk::next() {
-    for (; left_ != 0; --left_, place_ = behind(place_)) {
-        if (!wildcards_.on && left_ < patternChars_) break;
-        const Attempt attempt = matchHere();
-        if (attempt.status != NLS_OK) return {attempt.status, nullptr, nullptr};
-        if (attempt.end == nullptr) continue;
-        const Found found{NLS_OK, place_, attempt.end};
+Match ForwardWalk::next() {
+    while (left_ != 0 && (wildcards_.on || left_ >= patternChars_)) {
+        const Match match = matchHere();
         --left_;
         place_ = behind(place_);
-        return found;
+        if (match.status != NLS_OK || match.span.start != nullptr) return match;
     }
-    return {NLS_OK, nullptr, nullptr};
+    return kNone;
+}
+
+// Where characters are counted by bytes, so is what is left of them.
+void ForwardWalk::goOnBehind(const Span& match) {
+    place_ = match.end;
+    left_ = charset_.isMultiByte() ? left_ + 1 - patternChars_ : static_cast<uint32_t>(textEnd_ - place_);
 }
 
 namespace {
@@ -82,9 +81,9 @@ public:
         const unsigned char* candidate = before(text_.data() + text_.size(), text_);
         for (; chars >= patternChars; --chars, candidate = before(candidate, text_)) {
             const Match match = matchFrom(last, candidate);
-            if (match.status != NLS_OK || match.found) return match;
+            if (match.status != NLS_OK || match.span.start != nullptr) return match;
         }
-        return noMatch();
+        return kNone;
     }
 
 private:
@@ -102,9 +101,9 @@ private:
     Match matchFrom(const unsigned char* p, const unsigned char* t) const {
         for (;;) {
             const Compared compared = compare(p, t);
-            if (compared.status != NLS_OK) return noMatch(compared.status);
-            if (static_cast<uint16_t>(compared.sign) != 0) return noMatch();
-            if (p == pattern_.data()) return {NLS_OK, true, static_cast<std::size_t>(t - text_.data()), 0};
+            if (compared.status != NLS_OK) return {compared.status, {}};
+            if (static_cast<uint16_t>(compared.sign) != 0) return kNone;
+            if (p == pattern_.data()) return {NLS_OK, {t, nullptr}};
             p = before(p, pattern_);
             t = before(t, text_);
         }

@@ -12,22 +12,17 @@ namespace nls {
 // Goes forward from candidate to candidate, and from match to match.
 class ForwardWalk {
 public:
-    // `left` characters of text begin at `place`. REQUIRES: a NUL behind the text and behind the pattern, which isn't
-    // empty.
+    // REQUIRES: a NUL behind the text and behind the pattern, which isn't empty.
     ForwardWalk(const Comparing& by, const unsigned char* pattern, uint32_t patternChars, Wildcards wildcards,
-                const unsigned char* place, uint32_t left);
+                ByteView text, uint32_t textChars);
 
-    struct Found {
-        nlsStatus status;
-        const unsigned char* place;  // null: there is no match
-        const unsigned char* end;    // behind it
-    };
     // The next match; it may overlap the one before. After any other answer there is no going on.
-    Found next();
+    Match next();
+    // Behind the match told last. REQUIRES: no wildcards.
+    void goOnBehind(const Span& match);
 
 private:
-    struct Attempt;
-    Attempt matchHere() const;
+    Match matchHere() const;
     bool isEscape(unsigned char byte) const { return wildcards_.escape != 0 && byte == wildcards_.escape; }
     const unsigned char* behind(const unsigned char* place) const;
 
@@ -36,12 +31,12 @@ private:
     const unsigned char* pattern_;
     uint32_t patternChars_;
     Wildcards wildcards_;
-    const unsigned char* place_;
-    uint32_t left_;
+    const unsigned char *place_, *textEnd_;
+    uint32_t left_;  // characters from the place on
 };
 
-// The last match in the first `length` bytes of `text`, which hold `chars` characters up to a NUL. The answer's `end`
-// means nothing. REQUIRES: length > 0, the pattern isn't empty and has a NUL behind it.
+// The last match in the bytes of `text`, which hold `chars` characters up to a NUL. REQUIRES: the text isn't empty, the
+// pattern isn't either and has a NUL behind it.
 Match walkBackward(const Comparing& by, ByteView pattern, uint32_t patternChars, ByteView text, uint32_t chars);
 
 }  // namespace nls
