@@ -2,48 +2,17 @@
 // where the element stands, and moved by its place in the segment, where the segment would begin.
 #include <algorithm>
 
-#include "collation/equal_run.hpp"
-#include "collation/weight_rows_avx512.hpp"
 #include "strings/like_bytes.hpp"
+#include "strings/text_block_avx512.hpp"
 
 namespace nls {
 namespace {
 
-constexpr std::size_t kBlock = 64;
-
-struct Block {
-    __m512i bytes;
-    std::size_t length;  // up to the NUL
-    bool ended;          // else all bytes belong to the text
-};
-
-// What stands behind the end of a text isn't read unless it lies in the same page.
-NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS inline Block blockAt(const unsigned char* text) {
-    const std::size_t inPage = leftInPage(text);
-    __m512i bytes;
-    if (inPage < kBlock) {
-        const __mmask64 all = firstLanes(inPage);
-        bytes = _mm512_maskz_loadu_epi8(all, text);
-        const __mmask64 ends = _mm512_mask_testn_epi8_mask(all, bytes, bytes);
-        if (ends != 0) return {bytes, _tzcnt_u64(ends), true};
-    }
-    bytes = _mm512_loadu_si512(text);
-    const __mmask64 ends = _mm512_testn_epi8_mask(bytes, bytes);
-    return {bytes, _tzcnt_u64(ends), ends != 0};
-}
-
-// As weigh does, with rows that no register is kept for.
-NLS_TARGET_AVX512 inline __m512i weighOnce(WeightMap weights, __m512i bytes) {
-    const unsigned char* const rows = weights.entries();
-    const __m512i low = _mm512_permutex2var_epi8(_mm512_loadu_si512(rows), bytes, _mm512_loadu_si512(rows + kBlock));
-    const __m512i high =
-        _mm512_permutex2var_epi8(_mm512_loadu_si512(rows + 2 * kBlock), bytes, _mm512_loadu_si512(rows + 3 * kBlock));
-    return _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes), low, high);
-}
+constexpr std::size_t kBlock = kTextBlock;
 
 // Where in a block the element stands that is `i` places behind the beginning of its segment: where that begins.
 NLS_TARGET_AVX512 inline std::uint64_t beginsOf(__m512i weights, unsigned char weight, std::size_t i) {
-    return _mm512_cmpeq_epi8_mask(weights, _mm512_set1_epi8(static_cast<char>(weight))) >> i;
+    return lanesOf(weights, weight) >> i;
 }
 
 }  // namespace
@@ -51,10 +20,10 @@ NLS_TARGET_AVX512 inline std::uint64_t beginsOf(__m512i weights, unsigned char w
 NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchShortAvx512(WeightMap weights, const LikeSigns& signs,
                                                                      const unsigned char* pattern,
                                                                      const unsigned char* text) {
-    const Block block = blockAt(text);
+    const TextBlock block = textBlockAt(text);
     if (!block.ended) return LikeAnswer::unknown;
     const std::size_t length = block.length;
-    const __m512i weighed = weighOnce(weights, block.bytes);
+    const __m512i weighed = lookUpOnce(weights.entries(), block.bytes);
     for (std::size_t place = 0;;) {
         std::uint64_t begins = firstLanes(length) >> place << place;
         std::size_t count = 0;
@@ -137,7 +106,7 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS const unsigned char* passOverAvx512(Wei
     // Where the next block begins doesn't wait for what this one holds.
     const std::size_t places = kBlock - opening.count + 1;
     for (;; text += places) {
-        const Block block = blockAt(text);
+        const TextBlock block = textBlockAt(text);
         if (block.ended && block.length < opening.count) return text;  // too little is left
         const std::uint64_t begins = beginsOf(opening, weigh(rows, block.bytes)) & firstLanes(places);
         if (block.ended) {
@@ -150,7 +119,7 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS const unsigned char* passOverAvx512(Wei
 
 // Blocks that begin at a multiple of their size never cross into another page.
 NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS const unsigned char* endOfTextAvx512(const unsigned char* text) {
-    const Block first = blockAt(text);
+    const TextBlock first = textBlockAt(text);
     if (first.ended) return text + first.length;
     const std::size_t behindBlock = reinterpret_cast<std::uintptr_t>(text) & (kBlock - 1);
     text += kBlock - behindBlock;

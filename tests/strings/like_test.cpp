@@ -82,6 +82,16 @@ TEST(LikeDoor, Verdicts) {
     EXPECT_EQ(like(locale.get(), bytesOf("a%c"), bytesOf("ABC"), 1, kUsual), 0);
 }
 
+// Seldom met by chance: what the quick ways must leave to the comparison itself.
+TEST_P(Like, CharactersThatOnlyTheComparisonKnows) {
+    expect(worlds_.at("longer characters in a single-byte charset, kind 1"), "ba", "bA", 0, kUsual);
+    expect(worlds_.at("utf8, no table, kind 3"), "?", "\xF9\x80\x80\x80\x80", 0, {'\\', '_', '%'});
+    expect(worlds_.at("utf8, no table, kind 3"), "\xF9\x80\x80\x80\x80", "\xF8\x81\x80\x80\x80", 0, kUsual);
+    expect(worlds_.at("shift-jis"), "%\x81 ", "x\x81", 0, kUsual);
+    expect(worlds_.at("shift-jis"), "%\xDF_", "as", 0, kUsual);
+    EXPECT_EQ(seen_[2], 4U);
+}
+
 TEST(LikeDoor, ChecksInTheirOrder) {
     CollatedLocale made{nls::test::singleByteCharset(), nls::test::plainCollation()};
     nlsLocale& locale = *made.get();

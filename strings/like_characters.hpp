@@ -1,0 +1,83 @@
+// Characters of one byte and more, compared in line with the walk of LIKE as far as the rule for most of them goes; the
+// comparison itself decides the rest.
+// Tested by tests/strings/like_test.cpp.
+#pragma once
+
+#include "chars/stepping.hpp"
+#include "collation/char_equality.hpp"
+#include "strings/like_opening.hpp"
+
+namespace nls {
+
+// `Rule` says whether two characters are equal, neither of them the end of a text, or that it doesn't know.
+template <typename Rule>
+class LikeCharacters {
+public:
+    LikeCharacters(const Rule& rule, const CharacterEquality& equality) : rule_(rule), equality_(equality) {}
+
+    LCharRead read(const unsigned char* place) const {
+        if (*place != 0 && rule_.charset.trailCount(*place) == 0) return {*place, place + 1};
+        return readLChar(rule_.charset, place);
+    }
+    const unsigned char* next(const unsigned char* place) const { return characterEnd(rule_.charset, place); }
+
+    Compared compare(const unsigned char* a, const unsigned char* b) const {
+        const LikeAnswer equal = *a != 0 && *b != 0 ? rule_.areEqual(a, b) : LikeAnswer::unknown;
+        if (equal == LikeAnswer::unknown) return equality_(a, b);
+        return {NLS_OK, equal == LikeAnswer::yes ? 0 : 1};
+    }
+
+    // The first place where the first literal of a segment stands.
+    const unsigned char* passOver(const LikeSigns& signs, const LikeSegment& segment, const unsigned char* text) const {
+        const LikeElement first = readLikeElement(*this, signs, segment.begin);
+        if (first.kind != LikeKind::literal) return text;
+        while (*text != 0 && compare(first.literal, text).sign != 0) text = next(text);
+        return text;
+    }
+
+private:
+    Rule rule_;
+    CharacterEquality equality_;
+};
+
+// Byte tables that compare a charset as it is: the weight of the first byte and then the second byte.
+struct TableRule {
+    Charset charset;
+    WeightMap weights;
+
+    LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
+        const unsigned ofA = weights.entry(*a), ofB = weights.entry(*b);
+        if (ofA == 0 || ofB == 0) return LikeAnswer::unknown;  // an expansion
+        if (ofA != ofB) return LikeAnswer::no;
+        const unsigned trailsA = charset.trailCount(*a), trailsB = charset.trailCount(*b);
+        if ((trailsA | trailsB) == 0) return LikeAnswer::yes;
+        if (trailsA != 1 || trailsB != 1 || a[1] == 0 || b[1] == 0) return LikeAnswer::unknown;
+        return a[1] == b[1] ? LikeAnswer::yes : LikeAnswer::no;
+    }
+};
+
+// Characters by their own values: byte by byte.
+struct ValueRule {
+    Charset charset;
+
+    LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
+        if (*a != *b) return LikeAnswer::no;
+        for (unsigned left = charset.trailCount(*a); left != 0; --left) {
+            if (*++a == 0 || *++b == 0) return LikeAnswer::unknown;
+            if (*a != *b) return LikeAnswer::no;
+        }
+        return LikeAnswer::yes;
+    }
+};
+
+// The same by their lower forms.
+struct LowerFormRule {
+    Charset charset;
+    const nlsUnicodeCaseStruct* table;
+
+    LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
+        return lowerFormAt(*table, charset, a) == lowerFormAt(*table, charset, b) ? LikeAnswer::yes : LikeAnswer::no;
+    }
+};
+
+}  // namespace nls

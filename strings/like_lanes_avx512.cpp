@@ -1,0 +1,276 @@
+#include <array>
+
+#include "chars/lchar.hpp"
+#include "collation/ascii_case.hpp"
+#include "convmap/case_pages.hpp"
+#include "strings/like_lanes.hpp"
+#include "strings/text_block_avx512.hpp"
+
+namespace nls {
+namespace {
+
+// Lanes of characters in a text of at most 63 bytes.
+struct Characters {
+    std::size_t length;
+    std::uint64_t starts;  // of characters, and the NUL
+    std::uint64_t trails;  // all other bytes
+
+    // The starts behind the characters of some starts: a bit that is added to a run of trails leaves it at its end.
+    NLS_TARGET_AVX512 std::uint64_t behind(std::uint64_t some) const {
+        const std::uint64_t next = some << 1;
+        return (((next & trails) + trails) & ~trails & starts) | (next & starts);
+    }
+};
+
+// Where a literal stands, and its bytes; none if that isn't known.
+struct Stands {
+    std::uint64_t lanes;
+    unsigned width;
+};
+constexpr Stands kUnknown{0, 0};
+
+NLS_TARGET_AVX512 inline LCharRead readElement(const Charset& charset, const unsigned char* place) {
+    if (charset.trailCount(*place) == 0) return {*place, place + 1};
+    return readLChar(charset, place);
+}
+
+// `Text` has `characters`, and tells where a literal stands.
+template <typename Text>
+NLS_TARGET_AVX512 inline LikeAnswer follow(const Text& text, const Charset& charset, const LikeSigns& signs,
+                                           const unsigned char* pattern) {
+    const Characters& characters = text.characters;
+    std::uint64_t fits = 1;
+    bool behindMulti = false, behindSingle = false, onBlank = false;
+    while (*pattern != 0) {
+        if (fits == 0 && !onBlank) return LikeAnswer::no;
+        const unsigned char* literal = pattern;
+        LCharRead read = readElement(charset, pattern);
+        pattern = read.next;
+        if (read.value == signs.escape) {
+            literal = pattern;
+            read = *literal != 0 ? readElement(charset, literal) : LCharRead{0, literal};
+            const bool allowed = read.value == signs.single || read.value == signs.multi || read.value == signs.escape;
+            if (read.value == 0 || !allowed) return behindMulti ? LikeAnswer::no : LikeAnswer::unknown;
+            pattern = read.next;
+        } else if (read.value == signs.single) {
+            fits = characters.behind(fits);
+            behindSingle = true;
+            onBlank = false;
+            continue;
+        } else if (read.value == signs.multi) {
+            if (*pattern == 0) return onBlank ? LikeAnswer::unknown : fits != 0 ? LikeAnswer::yes : LikeAnswer::no;
+            if ((fits & firstLanes(characters.length)) == 0) return LikeAnswer::no;
+            fits = characters.starts & -_blsi_u64(fits);
+            behindMulti = true;
+            behindSingle = onBlank = false;
+            continue;
+        }
+        const Stands stands = text.stands(literal, read);
+        if (stands.width == 0) return LikeAnswer::unknown;
+        fits = (fits & stands.lanes) << stands.width & characters.starts;
+        onBlank = behindSingle && *literal == ' ';
+        behindSingle = false;
+    }
+    if (onBlank) return LikeAnswer::unknown;
+    return (fits >> characters.length & 1) != 0 ? LikeAnswer::yes : LikeAnswer::no;
+}
+
+// What the announced trailing bytes of a text are: those behind first bytes that announce one, two and three.
+struct Leads {
+    std::uint64_t one, two, three, more;
+};
+
+NLS_TARGET_AVX512 inline Leads leadsOf(const Charset& charset, __m512i bytes) {
+    const __m512i counts = _mm512_and_si512(lookUpOnce(charset.lengths(), bytes), _mm512_set1_epi8(0x07));
+    return {lanesOf(counts, 1), lanesOf(counts, 2), lanesOf(counts, 3),
+            _mm512_cmpgt_epi8_mask(counts, _mm512_set1_epi8(3))};
+}
+
+// The bytes behind leads of one trailing byte, where such a byte may be a lead by its value: of leads in a row every
+// second is one. The runs are told apart by the parity of where they begin, and a subtraction runs through each.
+constexpr std::uint64_t trailsOfPairs(std::uint64_t leads) {
+    constexpr std::uint64_t kOdd = 0xAAAAAAAAAAAAAAAAU;
+    const std::uint64_t behind = leads << 1;
+    return (((behind | kOdd) - leads) ^ kOdd) ^ leads;
+}
+
+struct Pairs {
+    Characters characters;
+    const Charset& charset;
+    WeightMap weights;
+    __m512i bytes, weighed;
+    std::uint64_t leads;
+
+    NLS_TARGET_AVX512 Stands stands(const unsigned char* literal, const LCharRead& read) const {
+        const unsigned char weight = weights.entry(*literal);
+        const unsigned trails = charset.trailCount(*literal);
+        if (weight == 0 || trails > 1) return kUnknown;  // an expansion
+        const std::uint64_t same = lanesOf(weighed, weight);
+        if (trails == 0) return {same & ~leads, 1};
+        if (read.next != literal + 2 || literal[1] == ' ') return kUnknown;  // may equal a single byte
+        return {same & leads & lanesOf(bytes, literal[1]) >> 1, 2};
+    }
+};
+
+// Bytes of UTF-8, or those of the lower forms of its characters.
+struct Utf8 {
+    Characters characters;
+    const Charset& charset;
+    const nlsUnicodeCaseStruct* table;
+    __m512i bytes;
+
+    NLS_TARGET_AVX512 Stands stands(const unsigned char* literal, const LCharRead& read) const {
+        if (table != nullptr) return standsByForm(caseFormOf(table->casePages, read.value, CaseForm::lower));
+        const unsigned width = charset.trailCount(*literal) + 1;
+        if (read.next != literal + width || width > 4) return kUnknown;
+        std::uint64_t lanes = lanesOf(bytes, *literal);
+        for (unsigned i = 1; i != width; ++i) lanes &= lanesOf(bytes, literal[i]) >> i;
+        return {lanes, width};
+    }
+
+private:
+    NLS_TARGET_AVX512 Stands standsByForm(nlsLChar form) const {
+        const unsigned width = form == 0 ? 0 : 4 - static_cast<unsigned>(__builtin_clz(form)) / 8;
+        const auto first = static_cast<unsigned char>(form >> 8 * (width - 1) % 32);
+        if (width == 0 || charset.trailCount(first) + 1 != width) return kUnknown;  // no form that text has
+        std::uint64_t lanes = lanesOf(bytes, first);
+        for (unsigned i = 1; i != width; ++i)
+            lanes &= lanesOf(bytes, static_cast<unsigned char>(form >> 8 * (width - 1 - i))) >> i;
+        return {lanes, width};
+    }
+};
+
+// The characters of regular UTF-8: trailing bytes stand where they are announced, and nowhere else, and ASCII announces
+// none. Elsewhere `length` is 0.
+NLS_TARGET_AVX512 inline Characters utf8Characters(const Leads& leads, const TextBlock& block) {
+    const std::uint64_t all = firstLanes(block.length);
+    const std::uint64_t trails = _mm512_cmplt_epi8_mask(block.bytes, _mm512_set1_epi8(static_cast<char>(0xC0))) & all;
+    const std::uint64_t starts = all & ~trails;
+    const std::uint64_t one = leads.one & starts, two = leads.two & starts, three = leads.three & starts;
+    const std::uint64_t announced = (one | two | three) << 1 | (two | three) << 2 | three << 3;
+    const std::uint64_t ascii = all & ~_mm512_movepi8_mask(block.bytes);
+    if (announced != trails || (leads.more & starts) != 0 || ((one | two | three) & ascii) != 0) return {0, 0, 0};
+    return {block.length, starts | (all + 1), trails};
+}
+
+// Has ASCII its usual lower forms, and no others?
+NLS_TARGET_AVX512 inline bool hasPlainAsciiForms(const nlsUnicodeCaseStruct& table) {
+    const uint16_t* const forms = table.casePages[0] + caseIndexOf(0, CaseForm::lower);
+    const AsciiForms& plain = kPlainAsciiForms[static_cast<unsigned>(CaseForm::lower)];
+    constexpr std::size_t kEntries = kTextBlock / sizeof plain[0];
+    __m512i different = _mm512_setzero_si512();
+    for (std::size_t i = 0; i != plain.size(); i += kEntries)
+        different = _mm512_or_si512(
+            different, _mm512_xor_si512(_mm512_loadu_si512(forms + i), _mm512_load_si512(plain.data() + i)));
+    return _mm512_test_epi8_mask(different, different) == 0;
+}
+
+// The last two bytes of the lower forms of a page of characters, by the low six bits of the characters' last byte.
+struct FormRow {
+    __m512i before, last;
+};
+
+// The low and the high bytes of the words in two registers.
+alignas(kTextBlock) constexpr std::array<std::array<unsigned char, kTextBlock>, 2> kEverySecond = [] {
+    std::array<std::array<unsigned char, kTextBlock>, 2> places{};
+    for (unsigned i = 0; i != 2 * kTextBlock; ++i) places[i % 2][i / 2] = static_cast<unsigned char>(i);
+    return places;
+}();
+
+// `before`: the byte before the last one of these characters, which stay as they are where they have no form.
+NLS_TARGET_AVX512 inline FormRow lowerFormsOf(const uint16_t* page, unsigned char before) {
+    constexpr unsigned kLowerHalf = kCasePageEntries / 2, kEntries = kTextBlock / 2;
+    alignas(kTextBlock) static constexpr std::array<uint16_t, kTextBlock> kLast = [] {
+        std::array<uint16_t, kTextBlock> bytes{};
+        for (unsigned i = 0; i != kTextBlock; ++i) bytes[i] = static_cast<uint16_t>(0x80 + i);
+        return bytes;
+    }();
+    __m512i forms[2];
+    for (unsigned i = 0; i != 2; ++i) {
+        const __m512i found = _mm512_loadu_si512(page + kLowerHalf + i * kEntries);
+        const __m512i own = _mm512_or_si512(_mm512_load_si512(&kLast[i * kEntries]),
+                                            _mm512_set1_epi16(static_cast<short>(before << 8)));
+        forms[i] = _mm512_mask_mov_epi16(found, _mm512_testn_epi16_mask(found, found), own);
+    }
+    return {_mm512_permutex2var_epi8(forms[0], _mm512_load_si512(kEverySecond[1].data()), forms[1]),
+            _mm512_permutex2var_epi8(forms[0], _mm512_load_si512(kEverySecond[0].data()), forms[1])};
+}
+
+// Puts the lower forms of characters in their places. False: a form is longer or shorter than its character, or a
+// character has three bytes and its page has forms. REQUIRES: ASCII has its usual forms.
+NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const Leads& leads,
+                                        const unsigned char* source, Utf8& text) {
+    const __m512i bytes = text.bytes;
+    const __mmask64 capitals =
+        _mm512_cmplt_epu8_mask(_mm512_sub_epi8(bytes, _mm512_set1_epi8('A')), _mm512_set1_epi8(26));
+    text.bytes = _mm512_or_si512(bytes, _mm512_maskz_set1_epi8(capitals, 0x20));
+    std::uint64_t three = leads.two & text.characters.starts;
+    if (three != 0) three &= lanesOf(bytes, 0xE1) | lanesOf(bytes, 0xE2) | lanesOf(bytes, 0xEF);
+    for (; three != 0; three = _blsr_u64(three)) {
+        const unsigned char* const place = source + _tzcnt_u64(three);
+        const unsigned number = unsigned{place[0]} << 16 | unsigned{place[1]} << 8 | place[2];
+        if (caseFormOf(table.casePages, number, CaseForm::lower) != number) return false;
+    }
+    std::uint64_t left = leads.one & text.characters.starts, lasts = 0;
+    __m512i fronts = _mm512_setzero_si512();
+    while (left != 0) {
+        const unsigned char lead = source[_tzcnt_u64(left)];
+        const std::uint64_t same = lanesOf(bytes, lead) & left;
+        left &= ~same;
+        if (table.casePages[lead] == kNoCasePage) continue;
+        const FormRow row = lowerFormsOf(table.casePages[lead], lead);
+        text.bytes = _mm512_mask_permutexvar_epi8(text.bytes, same << 1, bytes, row.last);
+        fronts = _mm512_mask_permutexvar_epi8(fronts, same << 1, bytes, row.before);
+        lasts |= same << 1;
+    }
+    if (lasts == 0) return true;
+    alignas(kTextBlock) static constexpr std::array<unsigned char, kTextBlock> kNext = [] {
+        std::array<unsigned char, kTextBlock> places{};
+        for (unsigned i = 0; i != kTextBlock; ++i) places[i] = static_cast<unsigned char>((i + 1) % kTextBlock);
+        return places;
+    }();
+    text.bytes = _mm512_mask_permutexvar_epi8(text.bytes, lasts >> 1, _mm512_load_si512(kNext.data()), fronts);
+    return _mm512_mask_testn_epi8_mask(lasts, fronts, fronts) == 0;
+}
+
+bool isOrdinary(const TextBlock& block, const LikeSigns& signs, const unsigned char* pattern) {
+    return block.ended && block.length != 0 && *pattern != 0 && signs.single != signs.multi;
+}
+
+}  // namespace
+
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchPairsAvx512(const Charset& charset, WeightMap weights,
+                                                                     const LikeSigns& signs,
+                                                                     const unsigned char* pattern,
+                                                                     const unsigned char* text) {
+    const TextBlock block = textBlockAt(text);
+    if (!isOrdinary(block, signs, pattern)) return LikeAnswer::unknown;
+    const std::uint64_t all = firstLanes(block.length);
+    const Leads leads = leadsOf(charset, block.bytes);
+    const std::uint64_t trails = trailsOfPairs(leads.one & all);
+    const std::uint64_t starts = all & ~trails;
+    Pairs pairs{{block.length, starts | (all + 1), trails}, charset,           weights, block.bytes,
+                lookUpOnce(weights.entries(), block.bytes), leads.one & starts};
+    const std::uint64_t odd = ((leads.two | leads.three | leads.more | lanesOf(pairs.weighed, 0)) & starts) |
+                              (lanesOf(block.bytes, ' ') & trails) | (trails & ~all);
+    return odd != 0 ? LikeAnswer::unknown : follow(pairs, charset, signs, pattern);
+}
+
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchUtf8Avx512(const nlsAttribStruct& attrib,
+                                                                    const nlsUnicodeCaseStruct* table,
+                                                                    const LikeSigns& signs,
+                                                                    const unsigned char* pattern,
+                                                                    const unsigned char* text) {
+    const TextBlock block = textBlockAt(text);
+    if (!isOrdinary(block, signs, pattern)) return LikeAnswer::unknown;
+    const Charset charset{attrib};
+    const Leads leads = leadsOf(charset, block.bytes);
+    Utf8 utf8{utf8Characters(leads, block), charset, table, block.bytes};
+    if (utf8.characters.length == 0) return LikeAnswer::unknown;
+    if (table != nullptr) {
+        if (!hasPlainAsciiForms(*table) || !lowerUtf8(*table, leads, text, utf8)) return LikeAnswer::unknown;
+    }
+    return follow(utf8, charset, signs, pattern);
+}
+
+}  // namespace nls
