@@ -198,7 +198,7 @@ NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const 
    in bytes. Characters begin where the charset's table of lengths says; none is ever found inside another.
 
    `pattern`, `replacement` and `text` end at their NUL and are only read. `tls` may be null. Text or pattern of 2 GiB
-   and more is refused with NLS_BAD_ARG.
+   and more is refused with NLS_BAD_ARG, unless a match stands in front of that.
 
    Out-arguments:
      pos    1-based position of the match's first byte in `text`; 0: there is none
@@ -221,8 +221,9 @@ NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const 
    NLS_OK comes with a match, and also without one: then `*found` is null, `*pos` 0 and `*end` unchanged.
 
    Under a collation of byte tables, and under the order of Unicode, a search without wildcards takes time in proportion
-   to the lengths of pattern and text; blanks as trailing bytes of broken multi-byte text may void that. Otherwise the
-   time is at most in proportion to their product. */
+   to the lengths of pattern and text. Blanks as trailing bytes of broken multi-byte text may void that, a blank that
+   counts as two letters does, and so does, backwards, broken UTF-8 or a character of three bytes in another charset.
+   Otherwise the time is at most in proportion to their product. */
 
 /* The first match in `text`. An empty `pattern` matches at the end: `*pos` and `*end` are the length of `text` plus 1,
    and `*found` is its NUL. */
