@@ -1,7 +1,5 @@
 #include "tools/nls/text_search.hpp"
 
-#include <algorithm>
-
 #include "tools/nls/failure.hpp"
 
 namespace nls::tool {
@@ -38,8 +36,7 @@ std::optional<std::size_t> TextSearch::search(ByteView line, Matches matches, st
     line_.assign(line.begin(), line.end());
     line_.push_back(0);
     for (std::size_t begin = 0; begin < line.size();) {
-        const auto nul = std::find(line_.begin() + static_cast<std::ptrdiff_t>(begin), line_.end(), 0);
-        const auto end = static_cast<std::size_t>(nul - line_.begin());
+        const std::size_t end = begin + nlsStrlen(line_.data() + begin);
         if (searchBetweenNuls(begin, end, matches, spans)) break;
         begin = end + 1;
     }
