@@ -59,6 +59,10 @@ void LineSearch::searchOrTell(const std::string& file, const Look& look, const S
         progress_.hide();
         anyTrouble_ = true;
         std::fprintf(stderr, "nls: %s\n", failure.what());
+        if (common_.json) {
+            json_.open('{').member("file", std::string_view(file));
+            json_.member("error", std::string_view(failure.what())).close('}');
+        }
     }
 }
 
