@@ -2,6 +2,8 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
+
 #include "collation/equal_run.hpp"
 #include "core/base/cpu.hpp"
 
@@ -16,46 +18,62 @@ NLS_BLOCKS_INLINE inline __m128i loadLanes(const unsigned char* place) {
 
 struct ClassInLanes {
     __m128i value[ByteClass::kMost];
-    bool few;
 
-    explicit ClassInLanes(const ByteClass& one) : few(one.count() <= 2) {
+    explicit ClassInLanes(const ByteClass& one) {
         for (unsigned i = 0; i < ByteClass::kMost; ++i) value[i] = _mm_set1_epi8(static_cast<char>(one.at(i)));
     }
-    __m128i hits(__m128i bytes) const {
-        const __m128i equal = _mm_or_si128(_mm_cmpeq_epi8(bytes, value[0]), _mm_cmpeq_epi8(bytes, value[1]));
-        if (few) return equal;
-        return _mm_or_si128(equal, _mm_or_si128(_mm_cmpeq_epi8(bytes, value[2]), _mm_cmpeq_epi8(bytes, value[3])));
-    }
 };
+
+template <unsigned Values>
+__m128i hitsOf(const ClassInLanes& lanes, __m128i bytes) {
+    __m128i equal = _mm_cmpeq_epi8(bytes, lanes.value[0]);
+    for (unsigned i = 1; i < Values; ++i) equal = _mm_or_si128(equal, _mm_cmpeq_epi8(bytes, lanes.value[i]));
+    return equal;
+}
 
 struct BlockHits {
     std::uint64_t hits, nul;
 };
 
-NLS_BLOCKS_INLINE inline std::uint64_t hitsIn(const ClassInLanes& one, const unsigned char* block) {
-    std::uint64_t found = 0;
-    for (unsigned i = 0; i < kBlockBytes; i += kLanes)
-        found |= std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(one.hits(loadLanes(block + i))))} << i;
-    return found;
+// Goes on to the first block with a hit or a NUL, and no farther than `last`. `block`: where to begin, and that block.
+// Each class is filled up to `Values` of them.
+template <unsigned Probed, unsigned Values>
+NLS_READS_WHOLE_BLOCKS BlockHits scanOn(const Probes& probes, const unsigned char*& block, const unsigned char* last) {
+    constexpr unsigned kParts = kBlockBytes / kLanes;
+    const ClassInLanes first{probes.first}, second{probes.second}, middle{probes.middle};
+    const std::size_t distance = probes.distance, back = probes.back;
+    const __m128i zero = _mm_setzero_si128();
+    for (const unsigned char* place = block;; place += kBlockBytes) {
+        __m128i hits[kParts], bytes[kParts];
+        for (unsigned i = 0; i < kParts; ++i) {
+            const unsigned char* const part = place + i * kLanes;
+            bytes[i] = loadLanes(part);
+            hits[i] = hitsOf<Values>(first, Probed == 1 ? bytes[i] : loadLanes(part - distance));
+            if constexpr (Probed > 1) hits[i] = _mm_and_si128(hits[i], hitsOf<Values>(second, bytes[i]));
+            if constexpr (Probed > 2) hits[i] = _mm_and_si128(hits[i], hitsOf<Values>(middle, loadLanes(part - back)));
+        }
+        const __m128i any = _mm_or_si128(_mm_or_si128(hits[0], hits[1]), _mm_or_si128(hits[2], hits[3]));
+        const __m128i least = _mm_min_epu8(_mm_min_epu8(bytes[0], bytes[1]), _mm_min_epu8(bytes[2], bytes[3]));
+        if (_mm_movemask_epi8(_mm_or_si128(any, _mm_cmpeq_epi8(least, zero))) == 0 && place != last) continue;
+        block = place;
+        BlockHits found{0, 0};
+        for (unsigned i = 0; i < kParts; ++i) {
+            const auto bits = [&](__m128i lanes) {
+                return std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(lanes))} << i * kLanes;
+            };
+            found.hits |= bits(hits[i]);
+            found.nul |= bits(_mm_cmpeq_epi8(bytes[i], zero));
+        }
+        return found;
+    }
 }
 
-NLS_READS_WHOLE_BLOCKS BlockHits scanBlock(const ClassInLanes& first, const ClassInLanes& second,
-                                           const ClassInLanes& middle, const unsigned char* block,
-                                           const Probes& probes) {
-    BlockHits found{0, 0};
-    for (unsigned i = 0; i < kBlockBytes; i += kLanes) {
-        const __m128i bytes = loadLanes(block + i);
-        const __m128i hits = probes.distance == 0 ? first.hits(bytes)
-                                                  : _mm_and_si128(second.hits(bytes),
-                                                                  first.hits(loadLanes(block + i - probes.distance)));
-        const auto bits = [&](__m128i lanes) {
-            return std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(lanes))} << i;
-        };
-        found.hits |= bits(hits);
-        found.nul |= bits(_mm_cmpeq_epi8(bytes, _mm_setzero_si128()));
-    }
-    if (found.hits != 0 && !probes.middle.isAny()) found.hits &= hitsIn(middle, block - probes.back);
-    return found;
+template <unsigned Probed>
+BlockHits scanFor(const Probes& probes, const unsigned char*& block, const unsigned char* last) {
+    const unsigned values = std::max({probes.first.count(), probes.second.count(), probes.middle.count()});
+    if (values <= 1) return scanOn<Probed, 1>(probes, block, last);
+    if (values == 2) return scanOn<Probed, 2>(probes, block, last);
+    return scanOn<Probed, ByteClass::kMost>(probes, block, last);
 }
 
 }  // namespace
@@ -100,11 +118,15 @@ NLS_READS_WHOLE_BLOCKS void ProbeScan::scanPlain() {
         }
         if (take(found.hits, found.nul)) return;
     }
-    const ClassInLanes first{probes_.first}, second{probes_.second}, middle{probes_.middle};
+    const unsigned char* const last = lastBlock();
     BlockHits found;
-    do {
-        found = scanBlock(first, second, middle, next_, probes_);
-    } while (!take(found.hits, found.nul));
+    if (probes_.distance == 0)
+        found = scanFor<1>(probes_, next_, last);
+    else if (probes_.middle.isAny())
+        found = scanFor<2>(probes_, next_, last);
+    else
+        found = scanFor<3>(probes_, next_, last);
+    take(found.hits, found.nul);
 }
 
 }  // namespace nls

@@ -86,6 +86,10 @@ private:
         next_ = place == end_ ? nullptr : place - reinterpret_cast<std::uintptr_t>(place) % kBlock;
         hits_ = 0;
     }
+    // Null while the end isn't known.
+    const unsigned char* lastBlock() const {
+        return end_ == nullptr ? nullptr : end_ - 1 - reinterpret_cast<std::uintptr_t>(end_ - 1) % kBlock;
+    }
     bool refill();
     void scanPlain();
     void scanAvx512();

@@ -82,8 +82,7 @@ NLS_TARGET_AVX512 void ProbeScan::scanAvx512() {
         const BlockHits found = scanFirst(probes_, next_, floor_);
         if (take(found.hits, found.nul)) return;
     }
-    const unsigned char* const last =
-        end_ == nullptr ? nullptr : end_ - 1 - reinterpret_cast<std::uintptr_t>(end_ - 1) % kBlock;
+    const unsigned char* const last = lastBlock();
     BlockHits found;
     if (probes_.distance == 0)
         found = scanFor<1>(probes_, next_, last);
