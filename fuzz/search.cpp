@@ -1,8 +1,8 @@
 // Any pattern in any text under any hand-made locale: searched forwards, with wildcards and backwards, and replaced.
 //
 // The first bytes of the input choose the locale, the mode, the escape, the lengths and the room for the result; the
-// rest is pattern, replacement and text. Whatever the processor can do, each answer must be that of the slow twin. Texts
-// and records stand directly in front of a page that faults.
+// rest is pattern, replacement and text. Whatever the processor can do, each answer must be that of the slow twin.
+// Texts and records stand directly in front of a page that faults.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "core/base/cpu.hpp"
-#include "tests/reference/search.hpp"
+#include "tests/reference/search.hpp"  // the slow twin that each answer must be that of
 #include "tests/support/guarded_buffer.hpp"
 #include "tests/support/search_locales.hpp"
 

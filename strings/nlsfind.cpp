@@ -45,10 +45,15 @@ nlsStatus nlsSearchForw(const nlsLocale* locale, nlsTlsBlock* tls, const unsigne
                         const unsigned char* text, uint16_t compareMode, uint32_t* pos, uint32_t* end,
                         const unsigned char** found) {
     const bool given = pattern != nullptr && text != nullptr && found != nullptr;
-    if (!given || nls::checkLocale(locale) != NLS_OK || !nls::maySearchShort(*locale, compareMode))
+    if (!given || nls::checkLocale(locale) != NLS_OK)
         return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
-    if (nls::cpuLevel() >= nls::CpuLevel::avx512)
-        return nls::searchShortAvx512(locale, tls, pattern, text, compareMode, pos, end, found);
+    const bool wide = nls::cpuLevel() >= nls::CpuLevel::avx512;
+    if (!nls::maySearchShort(*locale, compareMode)) {
+        if (wide && nls::maySearchShortChars(*locale, compareMode))
+            return nls::searchShortChars(locale, tls, pattern, text, compareMode, pos, end, found);
+        return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
+    }
+    if (wide) return nls::searchShortAvx512(locale, tls, pattern, text, compareMode, pos, end, found);
     return nls::searchShortPlain(locale, tls, pattern, text, compareMode, pos, end, found);
 }
 

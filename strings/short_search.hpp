@@ -7,6 +7,7 @@
 
 #include "collation/compare.hpp"
 #include "collation/weights.hpp"
+#include "core/base/charset.hpp"
 #include "strings/match.hpp"
 
 namespace nls {
@@ -17,6 +18,14 @@ inline bool maySearchShort(const nlsLocale& locale, uint16_t mode) {
            WeightMap::of(*locale.coll, mode).entry(' ') != 0;
 }
 
+// May characters be equal to those of their own length alone, each by its first byte's entry, or as its bytes?
+inline bool maySearchShortChars(const nlsLocale& locale, uint16_t mode) {
+    if (locale.attrib == nullptr || locale.coll == nullptr || !Charset{*locale.attrib}.isMultiByte()) return false;
+    if (kindOf(*locale.coll) == CollKind::unicode) return mode != 0;
+    return comparesByTables(*locale.coll) && isByteMode(mode) && !comparesSingleBytes(locale) &&
+           !Charset{*locale.attrib}.comparesViaSjis() && WeightMap::of(*locale.coll, mode).entry(' ') != 0;
+}
+
 // REQUIRES: maySearchShort, and no argument but `tls` is null.
 nlsStatus searchShortPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                            const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
@@ -25,5 +34,11 @@ nlsStatus searchShortPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsi
 nlsStatus searchShortAvx512(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                             const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
                             const unsigned char** found);
+
+// The same, for longer characters. REQUIRES: maySearchShortChars, no argument but `tls` is null, and the processor has
+// AVX-512.
+nlsStatus searchShortChars(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                           const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                           const unsigned char** found);
 
 }  // namespace nls
