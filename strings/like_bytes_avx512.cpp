@@ -57,7 +57,6 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchShortAvx512(WeightMap w
         if (begins == 0) return LikeAnswer::no;
         if (last) return LikeAnswer::yes;
         place = _tzcnt_u64(begins) + count;
-        if (place == length) return LikeAnswer::no;
     }
 }
 

@@ -53,16 +53,14 @@ inline bool differAtOnce(const nlsUnicodeCaseStruct* table, const Charset& chars
     return lowerFormAt(*table, charset, pattern) != lowerFormAt(*table, charset, text);
 }
 
-// Passes over each `single` of one byte that a pattern begins with, and the characters that they take. Neither text
-// ends behind it where it hadn't ended before.
+// Passes over each `single` of one byte that a pattern begins with, but for its last element, and over the characters
+// that they take.
 inline void passSingles(const Charset& charset, const LikeSigns& signs, const unsigned char*& pattern,
                         const unsigned char*& text) {
     while (*pattern == signs.single && *pattern != signs.escape && charset.trailCount(*pattern) == 0 && *pattern != 0 &&
            pattern[1] != 0 && *text != 0) {
-        const unsigned char* const next = characterEnd(charset, text);
-        if (*next == 0) return;
         ++pattern;
-        text = next;
+        text = characterEnd(charset, text);
     }
 }
 

@@ -89,7 +89,8 @@ TEST_P(Like, CharactersThatOnlyTheComparisonKnows) {
     expect(worlds_.at("utf8, no table, kind 3"), "\xF9\x80\x80\x80\x80", "\xF8\x81\x80\x80\x80", 0, kUsual);
     expect(worlds_.at("shift-jis"), "%\x81 ", "x\x81", 0, kUsual);
     expect(worlds_.at("shift-jis"), "%\xDF_", "as", 0, kUsual);
-    EXPECT_EQ(seen_[2], 4U);
+    expect(worlds_.at("shift-jis"), "a_", "a\x81", 0, kUsual);
+    EXPECT_EQ(seen_[2], 5U);
 }
 
 TEST(LikeDoor, ChecksInTheirOrder) {
@@ -189,6 +190,25 @@ TEST_P(Like, LongTextsAndSegments) {
         }
     }
     EXPECT_GT(seen_[2], 500U);
+}
+
+// One place in a text of several blocks, and every place.
+TEST_P(Like, SegmentsAtEveryPlace) {
+    for (const char* const name : {"single", "shift-jis"}) {
+        const LikeWorld& world = worlds_.at(name);
+        for (const std::size_t length : {1U, 2U, 31U, 33U, 62U, 70U}) {
+            const std::string segment = std::string(length - 1, 'a') + 'b';
+            for (std::size_t place = 0; place < 200; ++place) {
+                const std::string text = std::string(place, 'a') + segment + std::string(place % 7, 'x');
+                const unsigned char* const at = texts_.atEnd(text.c_str(), text.size() + 1);
+                const auto verdict = [&](const std::string& pattern) {
+                    return like(world.locale, bytesOf(pattern), at, 0, kUsual);
+                };
+                ASSERT_EQ(verdict('%' + segment + '%'), 1) << name << length << " " << place;
+                ASSERT_EQ(verdict('%' + segment), place % 7 == 0 ? 1 : 0) << name << length << " " << place;
+            }
+        }
+    }
 }
 
 // Runs `work` on a stack of 64 KiB.

@@ -75,9 +75,18 @@ private:
         LikeWorld world{name, locale, {"a", "A", "b", " ", "_", "%", "\\", "?", "s", "\xDF", "\x01"}, {}};
         const std::vector<std::string> wide =
             (locale->attrib->flags & NLS_CHARSET_UTF8) != 0
-                ? std::vector<std::string>{"\xC3\xA9", "\xC3\x89", "\xE3\x81\x82",         "\xF0\x9F\x98\x80",
-                                           "\xC3",     "\xE3\x81", "\xF9\x80\x80\x80\x80", "\xC4\xB0",
-                                           "\xF9",     "\x80"}
+                ? std::vector<std::string>{"\xC3\xA9",
+                                           "\xC3\x89",
+                                           "\xE3\x81\x82",
+                                           "\xF0\x9F\x98\x80",
+                                           "\xC3",
+                                           "\xE3\x81",
+                                           "\xF9\x80\x80\x80\x80",
+                                           "\xC4\xB0",
+                                           "\xF9",
+                                           "\x80",
+                                           "\xD0\xA0",
+                                           "\xD1\x80"}
                 : std::vector<std::string>{"\x81\x40",     "\x81\x41", "\xA4\xA2",    "\x8E\xB1", "\x81",
                                            "\x8F\xA2\xAF", "\xE0 ",    "\x17zzzzzzz", "\xA4",     "\xE0\x5C"};
         world.pieces.insert(world.pieces.end(), wide.begin(), wide.end());
