@@ -1,8 +1,8 @@
 // Any pattern and text under LIKE, in locales of every way to compare: each answer must be the model's.
 //
-// The first bytes of the input choose the locale, the mode, the signs and where the rest is cut in two: a pattern, which
-// is let go if it has many a `multi`, since the model tries every way, and a text. Both stand directly in front of a
-// page that faults.
+// The first bytes of the input choose the locale, the mode, the signs and where the rest is cut in two: a pattern,
+// which is let go if it has many a `multi`, since the model tries every way, and a text. Both stand directly in front
+// of a page that faults.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
