@@ -81,6 +81,11 @@ protected:
         EXPECT_EQ(ours.forward(p, t, 0, kEscape), model.forward(p, t, false, 0)) << where();
         for (const int32_t escape : {0, kEscape, int32_t{'_'}})
             EXPECT_EQ(ours.forward(p, t, 1, escape), model.forward(p, t, true, escape)) << where() << escape;
+        // More text behind the NUL, as rows stand in a page: it doesn't count.
+        const std::string row = text + '\0' + pattern + text + std::string(64, 'a');
+        const unsigned char* const first = texts_.atEnd(row.data(), row.size());
+        EXPECT_EQ(ours.forward(p, first, 0, 0), model.forward(p, first, false, 0)) << where() << ", a row";
+        (void)texts_.atEnd(text.c_str(), text.size() + 1);
         const auto whole = static_cast<int32_t>(text.size());
         for (const int32_t length : {whole, whole + 1})  // the NUL in the span, too
             EXPECT_EQ(ours.backward(p, t, length), model.backward(p, t, length)) << where() << "back from " << length;
