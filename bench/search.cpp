@@ -1,9 +1,10 @@
 // Search beside memmem, strstr, strcasestr in the C locale, and ICU's usearch.
 //
 // Column values: 10,000 names, addresses and codes of 8 to 64 bytes, searched for words that stand in some of them and
-// for words that stand in none, the pattern given afresh with each call. A mebibyte of prose: searched for a word that
-// stands at its end alone, and for one that it lacks. memmem is told the lengths; the others find them. ICU has its
-// texts in UTF-16 and its pattern prepared, at secondary strength beside folded and at tertiary beside exact search.
+// for words that stand in none, the pattern given afresh with each call; and as many remarks, pieces of prose of 8 to
+// 64 bytes. A mebibyte of prose: searched for a word that stands at its end alone, and for one that it lacks. memmem is
+// told the lengths; the others find them. ICU has its texts in UTF-16 and its pattern prepared, at secondary strength
+// beside folded and at tertiary beside exact search.
 //   bench_search [--cpu-level=1|2|3] [flags of Google Benchmark]
 #include <unicode/usearch.h>
 
@@ -26,7 +27,7 @@ using nls::bench::IcuCollator;
 using nls::bench::Language;
 using nls::test::CollatedLocale;
 
-constexpr std::size_t kRows = 10'000, kMebibyte = 1 << 20;
+constexpr std::size_t kRows = 10'000, kShortest = 8, kLongest = 64, kMebibyte = 1 << 20;
 
 struct Charset {
     const char* label;
@@ -136,10 +137,13 @@ void searchFor(const Charset& charset, const std::string& work, const std::share
 
 void searchAll(const Charset& charset) {
     const auto column = std::make_shared<const Texts>(charset, nls::bench::column(charset.language, kRows));
+    const auto remarks =
+        std::make_shared<const Texts>(charset, nls::bench::columnValues(charset.language, kShortest, kLongest, kRows));
     const std::string prose = nls::bench::text(charset.language, kMebibyte);
     for (const uint16_t mode : {uint16_t{1}, uint16_t{0}}) {
         searchFor(charset, "column, present", column, charset.present, mode);
         searchFor(charset, "column, absent", column, charset.absent, mode);
+        searchFor(charset, "remarks", remarks, charset.absent, mode);
         for (const std::string& word : charset.absentLong) {
             const auto closed =
                 std::make_shared<const Texts>(charset, std::vector<std::string>{prose + " " + word + " "});

@@ -1,5 +1,5 @@
-// The short search where characters have more than one byte, as long as all of them have the bytes that the pattern has,
-// but for the values of first bytes. A text of at most 63 bytes is in a register, and so is what is known of it: one bit
+// The short search where characters have more than one byte, as long as matches have the bytes that the pattern has,
+// but for the values of first bytes. A text of at most 63 bytes is in a register, and so is what is known of it: a bit
 // for each byte.
 #include "collation/equal_run.hpp"
 #include "collation/weight_rows_avx512.hpp"
