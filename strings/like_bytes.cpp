@@ -39,7 +39,11 @@ struct Bytes {
         return static_cast<std::size_t>(end - text) < count ? nullptr : end - count;
     }
     const unsigned char* passOver(const LikeSigns& signs, const LikeSegment& segment, const unsigned char* text) const {
-        return hasAvx512 ? passOverAvx512(weights, signs, segment, text) : text;
+        if (hasAvx512) return passOverAvx512(weights, signs, segment, text);
+        const unsigned char first = *segment.begin;
+        if (first == signs.escape || first == signs.single) return text;
+        while (*text != 0 && weights.entry(*text) != weights.entry(first)) ++text;
+        return text;
     }
 };
 
