@@ -25,23 +25,21 @@ ByteClass only(unsigned char byte) {
     return one;
 }
 
-// The last byte of the first character, the last one of the pattern, and one about halfway between.
+// The last bytes of the first character, of the last one and of one about halfway between; without those that have too
+// many values.
 template <typename Rule, typename LastByte>
 Probes atBothEnds(const Rule& rule, ByteView pattern, LastByte lastByteOf) {
     const unsigned char *const start = pattern.data(), *const end = start + pattern.size();
     const unsigned char *const second = rule.next(start), *const half = second + (end - second) / 2;
-    const unsigned char *last = start, *middle = nullptr;
+    const unsigned char *last = nullptr, *middle = nullptr;
     for (const unsigned char* p = second; p != end; p = rule.next(p)) {
         last = p;
         if (p < half) middle = p;
     }
     Probes probes{lastByteOf(start), ByteClass::any(), 0, ByteClass::any(), 0};
-    if (second == end) return probes;
-    probes.second = lastByteOf(last);
-    probes.distance = static_cast<std::size_t>(end - second);
-    if (middle == nullptr || middle == last) return probes;
-    probes.middle = lastByteOf(middle);
-    probes.back = static_cast<std::size_t>(end - rule.next(middle));
+    if (last != nullptr) probes.addSecond(lastByteOf(last), static_cast<std::size_t>(end - second));
+    if (middle != nullptr && middle != last)
+        probes.addMiddle(lastByteOf(middle), static_cast<std::size_t>(rule.next(middle) - second));
     return probes;
 }
 
@@ -112,13 +110,12 @@ Probes probesOf(const FoldRule& rule, ByteView pattern) {
     const unsigned char *const end = pattern.data() + pattern.size(), *place = rule.next(pattern.data());
     Probes probes{variantsOf(rule, pattern.data()).lastBytes, ByteClass::any(), 0, ByteClass::any(), 0};
     if (probes.first.isAny()) return probes;
+    std::size_t distance = 0;
     for (unsigned i = 0; i < kFarthest && place != end; ++i, place = rule.next(place)) {
         const Variants variants = variantsOf(rule, place);
         if (variants.length == 0) break;
-        probes.middle = probes.second;
-        probes.back = variants.length;
-        probes.distance += variants.length;
-        probes.second = variants.lastBytes;
+        distance += variants.length;
+        probes.addSecond(variants.lastBytes, distance);
     }
     return probes;
 }

@@ -54,6 +54,21 @@ struct Probes {
     std::size_t distance;
     ByteClass middle;
     std::size_t back;
+
+    // A class of all values is left out. REQUIRES: `from` bytes behind the first, and behind all that were added before.
+    void addSecond(const ByteClass& added, std::size_t from) {
+        if (added.isAny()) return;
+        middle = second;
+        back = from - distance;
+        second = added;
+        distance = from;
+    }
+    // The same in front of the second, if there is one.
+    void addMiddle(const ByteClass& added, std::size_t from) {
+        if (distance == 0) return addSecond(added, from);
+        middle = added;
+        back = distance - from;
+    }
 };
 
 // Goes through the places of a text at which the first byte may stand.

@@ -130,7 +130,7 @@ TEST_F(Search, RandomPatternsInRandomTexts) {
         const SearchLocale& by = all[round % all.size()];
         limitCpuLevel(kLevels[random() % 3]);
         const bool utf8 = (by.locale->attrib().flags & NLS_CHARSET_UTF8) != 0;
-        const SearchPair pair = randomSearchPair(random, by.alphabet, utf8, random() % 8 == 0 ? 400 : 30);
+        const SearchPair pair = randomSearchPair(random, by.alphabet, utf8, random() % 8 == 0 ? 800 : 30);
         expectAll(by, static_cast<uint16_t>(random() % 2), pair.pattern, pair.text);
     }
 }

@@ -22,8 +22,10 @@ struct SearchLocale {
 // Case folds as in the C library where the locale is "utf-8", in wild ways where it is "utf-8, wild".
 inline std::vector<SearchLocale> searchLocales() {
     static const MadeTable eucToSjis{4};
-    static MadeCaseTable library, wild;
+    static MadeCaseTable library, accents, wild;
     library.fillFromLibrary();
+    accents.fillFromLibrary();
+    for (uint32_t a = 0xC3A1; a <= 0xC3A5; ++a) accents.set(a, CaseForm::lower, 0xC3A0);
     wild.fillWild(1, true);
     std::vector<SearchLocale> all;
     const auto add = [&](const char* name, const nlsAttribStruct& attrib, const nlsCollStruct& coll,
@@ -40,7 +42,9 @@ inline std::vector<SearchLocale> searchLocales() {
         attrib.flags = flags;
         return attrib;
     };
-    nlsCollStruct zeroLeads = plainCollation(), heavyBlank = plainCollation(), lightS = plainCollation();
+    nlsCollStruct zeroLeads = plainCollation(), heavyBlank = plainCollation(), lightS = plainCollation(),
+                  manyAlike = plainCollation();
+    fill(manyAlike.foldMap, 0xE0, 0xE7, 'a');
     for (unsigned lead = 0x81; lead < 0x90; ++lead) zeroLeads.exactMap[lead] = zeroLeads.foldMap[lead] = 0;
     heavyBlank.exactMap[0x20] = heavyBlank.foldMap[0x20] = 0;
     lightS.exactMap[0x73] = lightS.foldMap[0x73] = 0x20;
@@ -50,6 +54,7 @@ inline std::vector<SearchLocale> searchLocales() {
 
     add("single", singleByteCharset(), plainCollation(), "aAs\xDF ");
     add("single, crowded", singleByteCharset(), crowdedCollation(1), "ab\xDF ");
+    add("single, many alike", singleByteCharset(), manyAlike, "bx\xE6\xE7");
     add("single, blank an expansion", singleByteCharset(), heavyBlank, "aA\xDF ");
     add("shift-jis", sjisCharset(), plainCollation(), "aA\x81\x40 ");
     add("shift-jis, crowded", sjisCharset(), crowdedCollation(2), "a\x81\x82 ");
@@ -67,6 +72,7 @@ inline std::vector<SearchLocale> searchLocales() {
     all.back().locale->attrib();
     all.back().get()->owner->chainHead = &all.back().get()->owner->hdr;
     add("utf-8", utf8Charset(), ofKind(3), "aA\xC3\x89\xA9").caseTable = library.get();
+    add("utf-8, many alike", utf8Charset(), ofKind(3), "bx\xC3\xA4\xA5").caseTable = accents.get();
     add("utf-8, wild", utf8Charset(), ofKind(3), "a\xC3\x89\xE1 ").caseTable = wild.get();
     add("utf-8 without a case table", utf8Charset(), ofKind(3), "a\xC3\x89 ");
     add("utf-8 by bytes", utf8Charset(), plainCollation(), "aA\xC3\x89 ");
