@@ -55,7 +55,7 @@ struct Probes {
     ByteClass middle;
     std::size_t back;
 
-    // A class of all values is left out. REQUIRES: `from` bytes behind the first, and behind all that were added before.
+    // A class of all values is left out. REQUIRES: `from` bytes behind the first, and behind those added before.
     void addSecond(const ByteClass& added, std::size_t from) {
         if (added.isAny()) return;
         middle = second;
