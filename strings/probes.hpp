@@ -105,6 +105,11 @@ private:
     const unsigned char* lastBlock() const {
         return end_ == nullptr ? nullptr : end_ - 1 - reinterpret_cast<std::uintptr_t>(end_ - 1) % kBlock;
     }
+    // Have the outer two been found so often that the middle one should be looked for with them?
+    bool middleIsWorthIt() const {
+        constexpr std::ptrdiff_t kPatience = 8, kSeldom = 32 * kBlock;
+        return stops_ > kPatience + (next_ - floor_) / kSeldom;
+    }
     bool refill();
     void scanPlain();
     void scanAvx512();
@@ -117,6 +122,7 @@ private:
     const unsigned char* block_ = nullptr;
     const unsigned char* next_ = nullptr;  // block to go on with; null: the text has ended
     std::uint64_t hits_ = 0;               // of second bytes, in the block
+    std::ptrdiff_t stops_ = 0;             // blocks with a hit of the outer two
 };
 
 }  // namespace nls

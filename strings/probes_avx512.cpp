@@ -20,9 +20,9 @@ NLS_TARGET_AVX512 inline ClassInLanes lanesOf(const ByteClass& one) {
 }
 
 template <unsigned Count>
-NLS_TARGET_AVX512 inline __mmask64 hitsOf(const ClassInLanes& lanes, __m512i bytes) {
-    __mmask64 equal = 0;
-    for (unsigned i = 0; i < Count; ++i) equal |= _mm512_cmpeq_epi8_mask(bytes, lanes.value[i]);
+NLS_TARGET_AVX512 inline __mmask64 hitsOf(const ClassInLanes& lanes, __m512i bytes, __mmask64 among = ~__mmask64{0}) {
+    __mmask64 equal = _mm512_mask_cmpeq_epi8_mask(among, bytes, lanes.value[0]);
+    for (unsigned i = 1; i < Count; ++i) equal |= _mm512_mask_cmpeq_epi8_mask(among, bytes, lanes.value[i]);
     return equal;
 }
 
@@ -47,9 +47,13 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS BlockHits scanFirst(const Probes& probe
     return {hits, _mm512_mask_testn_epi8_mask(own, bytes, bytes)};
 }
 
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS std::uint64_t hitsAt(const ByteClass& one, const unsigned char* block) {
+    return hitsOf<ByteClass::kMost>(lanesOf(one), _mm512_loadu_si512(block));
+}
+
 // Goes on to the first block with a hit or a NUL, and no farther than `last`. `block`: where to begin, and that block.
-// All probes are looked for at once: a branch on a few of them would be foretold wrong too often. Each class is filled
-// up to `Values` of them.
+// The probes are looked for at once: a branch on each would be foretold wrong too often. Each class is filled up to
+// `Values` of them.
 template <unsigned Probed, unsigned Values>
 NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS BlockHits scanOn(const Probes& probes, const unsigned char*& block,
                                                           const unsigned char* last) {
@@ -58,8 +62,8 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS BlockHits scanOn(const Probes& probes, 
     for (const unsigned char* place = block;; place += kBlockBytes) {
         const __m512i bytes = _mm512_load_si512(place);
         __mmask64 hits = hitsOf<Values>(first, Probed == 1 ? bytes : _mm512_loadu_si512(place - distance));
-        if constexpr (Probed > 1) hits &= hitsOf<Values>(second, bytes);
-        if constexpr (Probed > 2) hits &= hitsOf<Values>(middle, _mm512_loadu_si512(place - back));
+        if constexpr (Probed > 1) hits = hitsOf<Values>(second, bytes, hits);
+        if constexpr (Probed > 2) hits = hitsOf<Values>(middle, _mm512_loadu_si512(place - back), hits);
         const __mmask64 nul = _mm512_testn_epi8_mask(bytes, bytes);
         if ((hits | nul) == 0 && place != last) continue;
         block = place;
@@ -86,10 +90,14 @@ NLS_TARGET_AVX512 void ProbeScan::scanAvx512() {
     BlockHits found;
     if (probes_.distance == 0)
         found = scanFor<1>(probes_, next_, last);
-    else if (probes_.middle.isAny())
+    else if (probes_.middle.isAny() || !middleIsWorthIt())
         found = scanFor<2>(probes_, next_, last);
     else
         found = scanFor<3>(probes_, next_, last);
+    if (found.hits != 0 && !probes_.middle.isAny()) {
+        found.hits &= hitsAt(probes_.middle, next_ - probes_.back);
+        ++stops_;
+    }
     take(found.hits, found.nul);
 }
 
