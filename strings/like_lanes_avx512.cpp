@@ -140,8 +140,8 @@ private:
     }
 };
 
-// The characters of regular UTF-8: trailing bytes stand where they are announced, and nowhere else, and ASCII announces
-// none. Elsewhere `length` is 0.
+// The characters of regular UTF-8: trailing bytes stand where they are announced, and nowhere else; ASCII announces
+// none, and all other first bytes do, since one that stands alone could fold to ASCII. Elsewhere `length` is 0.
 NLS_TARGET_AVX512 inline Characters utf8Characters(const Leads& leads, const TextBlock& block) {
     const std::uint64_t all = firstLanes(block.length);
     const std::uint64_t trails = _mm512_cmplt_epi8_mask(block.bytes, _mm512_set1_epi8(static_cast<char>(0xC0))) & all;
@@ -149,7 +149,7 @@ NLS_TARGET_AVX512 inline Characters utf8Characters(const Leads& leads, const Tex
     const std::uint64_t one = leads.one & starts, two = leads.two & starts, three = leads.three & starts;
     const std::uint64_t announced = (one | two | three) << 1 | (two | three) << 2 | three << 3;
     const std::uint64_t ascii = all & ~_mm512_movepi8_mask(block.bytes);
-    if (announced != trails || (leads.more & starts) != 0 || ((one | two | three) & ascii) != 0) return {0, 0, 0};
+    if (announced != trails || (leads.more & starts) != 0 || (one | two | three) != (starts & ~ascii)) return {0, 0, 0};
     return {block.length, starts | (all + 1), trails};
 }
 

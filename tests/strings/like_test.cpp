@@ -87,10 +87,11 @@ TEST_P(Like, CharactersThatOnlyTheComparisonKnows) {
     expect(worlds_.at("longer characters in a single-byte charset, kind 1"), "ba", "bA", 0, kUsual);
     expect(worlds_.at("utf8, no table, kind 3"), "?", "\xF9\x80\x80\x80\x80", 0, {'\\', '_', '%'});
     expect(worlds_.at("utf8, no table, kind 3"), "\xF9\x80\x80\x80\x80", "\xF8\x81\x80\x80\x80", 0, kUsual);
+    expect(worlds_.at("utf8, first bytes alone, kind 3"), "%a", "b\xC1", 0, kUsual);
     expect(worlds_.at("shift-jis"), "%\x81 ", "x\x81", 0, kUsual);
     expect(worlds_.at("shift-jis"), "%\xDF_", "as", 0, kUsual);
     expect(worlds_.at("shift-jis"), "a_", "a\x81", 0, kUsual);
-    EXPECT_EQ(seen_[2], 5U);
+    EXPECT_EQ(seen_[2], 6U);
 }
 
 TEST(LikeDoor, ChecksInTheirOrder) {

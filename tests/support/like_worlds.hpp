@@ -40,6 +40,9 @@ public:
         addMade("utf8", 3, utf8Charset()).caseTable = table_.get();
         addMade("utf8, wild table", 3, utf8Charset()).caseTable = wild_.get();
         addMade("utf8, no table", 3, utf8Charset());
+        nlsAttribStruct loneBytes = utf8Charset();
+        loneBytes.lengthMap[0xC1] = 0;
+        addMade("utf8, first bytes alone", 3, loneBytes).caseTable = table_.get();
         addMade("shift-jis", 3, sjisCharset());
         addMade("no collation", 1, singleByteCharset()).coll = nullptr;
         addMade("no collation, shift-jis", 1, sjisCharset()).coll = nullptr;
@@ -83,6 +86,7 @@ private:
                                            "\xE3\x81",
                                            "\xF9\x80\x80\x80\x80",
                                            "\xC4\xB0",
+
                                            "\xF9",
                                            "\x80",
                                            "\xD0\xA0",
