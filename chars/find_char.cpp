@@ -107,8 +107,8 @@ FoundChar findCharBackward(const nlsLocale& locale, nlsTlsBlock* tls, nlsLChar s
     // A step back over UTF-8 goes by the form of the bytes, whatever the table says of their lengths.
     if (!charset.isUtf8() && character.decidedByEntries())
         return {NLS_OK, lastEqual(WeightMap::of(*locale.coll, mode), character.firstByte(), text, place)};
-    while (place != text) {
-        place = previousCharacter(charset, place, text);
+    for (StepsBack steps{charset, text, place}; place != text;) {
+        place = steps.from(place);
         const Compared compared = character.compareWith(place);
         if (endsAt(compared)) return {compared.status, place};
     }

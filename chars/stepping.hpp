@@ -22,4 +22,25 @@ bool isFirstByte(const Charset& charset, const unsigned char* p, const unsigned 
 // The first byte of the character in front of `p`. REQUIRES: p != start.
 const unsigned char* previousCharacter(const Charset& charset, const unsigned char* p, const unsigned char* start);
 
+// The same for a walk back through a text: each run of possible first bytes is looked at once.
+class StepsBack {
+public:
+    StepsBack(const Charset& charset, const unsigned char* start, const unsigned char* end)
+        : charset_(charset), start_(start), run_(end) {}
+
+    // REQUIRES: p != start, and no place asked for before was in front of it.
+    const unsigned char* from(const unsigned char* p) {
+        if (charset_.isUtf8()) return previousCharacter(charset_, p, start_);
+        --p;
+        if (p < run_)
+            for (run_ = p; run_ != start_ && charset_.trailCount(run_[-1]) != 0;) --run_;
+        return (p - run_) % 2 == 0 ? p : p - 1;
+    }
+
+private:
+    Charset charset_;
+    const unsigned char* start_;
+    const unsigned char* run_;  // where the run begins that goes on to the place asked for last, at least
+};
+
 }  // namespace nls

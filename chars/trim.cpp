@@ -115,9 +115,10 @@ TrimPlace trimRight(const nlsLocale& locale, const unsigned char* set, ByteView 
         return {NLS_OK, endByEntries(EntrySet{WeightMap::of(*locale.coll, mode), set}, text)};
     const SetSearch search{locale, set, mode};
     const unsigned char* end = text.data() + text.size();
+    StepsBack steps{charset, text.data(), end};
     ByteView known;  // the last member: most texts end with a run of one
     while (end != text.data()) {
-        const ByteView last{previousCharacter(charset, end, text.data()), end};
+        const ByteView last{steps.from(end), end};
         if (!std::ranges::equal(last, known)) {
             const Compared member = search.find(last);
             if (member.status != NLS_OK) return {member.status, nullptr};

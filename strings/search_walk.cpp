@@ -77,18 +77,20 @@ public:
         : by_(by), charset_(*by.locale.attrib), pattern_(pattern), text_(text) {}
 
     Match run(uint32_t patternChars, uint32_t chars) const {
-        const unsigned char* const last = before(pattern_.data() + pattern_.size(), pattern_);
-        const unsigned char* candidate = before(text_.data() + text_.size(), text_);
-        for (; chars >= patternChars; --chars, candidate = before(candidate, text_)) {
-            const Match match = matchFrom(last, candidate);
+        StepsBack inText = stepsThrough(text_), inPattern = stepsThrough(pattern_);
+        const unsigned char* const last = before(pattern_.data() + pattern_.size(), pattern_, inPattern);
+        const unsigned char* candidate = before(text_.data() + text_.size(), text_, inText);
+        for (; chars >= patternChars; --chars, candidate = before(candidate, text_, inText)) {
+            const Match match = matchFrom(last, candidate, inPattern, inText);
             if (match.status != NLS_OK || match.span.start != nullptr) return match;
         }
         return kNone;
     }
 
 private:
-    const unsigned char* before(const unsigned char* place, ByteView in) const {
-        return place == in.data() ? place : previousCharacter(charset_, place, in.data());
+    StepsBack stepsThrough(ByteView text) const { return {charset_, text.data(), text.data() + text.size()}; }
+    static const unsigned char* before(const unsigned char* place, ByteView in, StepsBack& steps) {
+        return place == in.data() ? place : steps.from(place);
     }
     int32_t lengthAt(const unsigned char* place) const { return static_cast<int32_t>(charset_.trailCount(*place)) + 1; }
 
@@ -98,14 +100,14 @@ private:
         const auto length = static_cast<int32_t>(std::min<std::ptrdiff_t>(lengthAt(t), left));
         return compareLimited(by_.locale, by_.tls, p, t, lengthAt(p), length, by_.mode);
     }
-    Match matchFrom(const unsigned char* p, const unsigned char* t) const {
+    Match matchFrom(const unsigned char* p, const unsigned char* t, StepsBack inPattern, StepsBack inText) const {
         for (;;) {
             const Compared compared = compare(p, t);
             if (compared.status != NLS_OK) return {compared.status, {}};
             if (static_cast<uint16_t>(compared.sign) != 0) return kNone;
             if (p == pattern_.data()) return {NLS_OK, {t, nullptr}};
-            p = before(p, pattern_);
-            t = before(t, text_);
+            p = before(p, pattern_, inPattern);
+            t = before(t, text_, inText);
         }
     }
 

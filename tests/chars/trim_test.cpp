@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 #include <strings.h>
 
+#include <ctime>
+
+#include "nls/chars.h"
+#include "nls/strings.h"
 #include "nls/usersort.h"
 #include "tests/chars/finding_locales.hpp"
 #include "tests/reference/find_char.hpp"
@@ -131,6 +135,28 @@ TEST(Trim, TellsPlacesFromOne) {
 TEST(Trim, WritesNothingUnderAnyOrder) {
     for (const HandRoute& route : findingLocales())
         EXPECT_EQ(trimRight(route.get(), nullptr, bytesOf("x    "), 4, 1).status, NLS_OK) << route.name;
+}
+
+// A step back from a place looks at the run of first bytes in front of it.
+TEST(Trim, WalksBackCostNoMoreThanTheText) {
+    CollatedLocale locale{sjisCharset(), plainCollation()};
+    const std::string text(1 << 19, '\xE0'), set(2, '\xE0'), brokenPattern{"\x81\x20"};
+    const auto length = static_cast<int32_t>(text.size());
+    const nlsLChar letter = 'x';
+    uint32_t pos = 0;
+    const unsigned char* found = nullptr;
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(nlsFindRtrimPtrBack(locale.get(), nullptr, bytesOf(set.c_str()), bytesOf(text.c_str()), length, 1, &pos,
+                                  &found),
+              NLS_OK);
+    EXPECT_EQ(found, bytesOf(text.c_str()));
+    EXPECT_EQ(nlsFindCharBack(locale.get(), nullptr, &letter, bytesOf(text.c_str()), length, 1, &pos, &found), NLS_OK);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(nlsSearchBack(locale.get(), nullptr, bytesOf(brokenPattern.c_str()), bytesOf(text.c_str()), length, 1,
+                            &pos, &found),
+              0);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_LT(std::clock() - start, 10 * CLOCKS_PER_SEC);
 }
 
 TEST(Trim, ChecksInOrder) {
