@@ -221,9 +221,9 @@ NLS_API nlsStatus nlsUpperCase(const nlsLocale* locale, nlsTlsBlock* tls, const 
    NLS_OK comes with a match, and also without one: then `*found` is null, `*pos` 0 and `*end` unchanged.
 
    Under a collation of byte tables, and under the order of Unicode, a search without wildcards takes time in proportion
-   to the lengths of pattern and text. Blanks as trailing bytes of broken multi-byte text may void that, a blank that
-   counts as two letters does, and so does, backwards, broken UTF-8 or a character of three bytes in another charset.
-   Otherwise the time is at most in proportion to their product. */
+   to the lengths of pattern and text, but for three cases: a blank that counts as two letters s, blanks as trailing
+   bytes of broken multi-byte text, and backwards in text with characters of three bytes and more, unless that is
+   well-formed UTF-8. There, and otherwise, the time is at most in proportion to their product. */
 
 /* The first match in `text`. An empty `pattern` matches at the end: `*pos` and `*end` are the length of `text` plus 1,
    and `*found` is its NUL. */
