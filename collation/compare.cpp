@@ -5,6 +5,7 @@
 #include "collation/sjis_bridge.hpp"
 #include "collation/thai_compare.hpp"
 #include "collation/unicode_compare.hpp"
+#include "icu/icu_compare.hpp"
 #include "nls/usersort.h"
 
 namespace nls {
@@ -28,6 +29,18 @@ HookText hookText(Text text) {
     return HookText{text.place, static_cast<std::size_t>(text.limit - text.place)};
 }
 
+int32_t lengthOf(Text text) {
+    return text.limit == nullptr ? -1 : static_cast<int32_t>(text.limit - text.place);
+}
+
+// What isn't answered is no equality.
+Compared compareThroughIcu(const nlsCollStruct& coll, nlsTlsBlock* tls, Text a, Text b, uint16_t mode) {
+    const IcuCompared done =
+        compareByIcu(a.place, b.place, tls, mode == 0 ? coll.foldMap : coll.exactMap, mode, lengthOf(a), lengthOf(b));
+    if (!done.answered) return {done.status, 1, Compared::Told::never};
+    return {done.status, done.sign, Compared::Told::always};
+}
+
 // Out of line, so that the other routes needn't make room for its copies.
 [[gnu::noinline]] Compared compareByHook(const Collation& by, Text a, Text b, uint16_t mode) {
     const HookText first = hookText(a), second = hookText(b);
@@ -38,7 +51,7 @@ HookText hookText(Text text) {
 
 }  // namespace
 
-Compared compareTexts(const Collation& by, nlsTlsBlock*, Text a, Text b, uint16_t mode) {
+Compared compareTexts(const Collation& by, nlsTlsBlock* tls, Text a, Text b, uint16_t mode) {
     switch (kindOf(by.coll)) {
         case CollKind::userSort:
             return compareByHook(by, a, b, mode);
@@ -47,7 +60,7 @@ Compared compareTexts(const Collation& by, nlsTlsBlock*, Text a, Text b, uint16_
         case CollKind::thai:
             return {NLS_OK, compareThai(mode == 0 ? by.coll.foldMap : by.coll.exactMap, a, b)};
         case CollKind::icu:
-            return {NLS_BAD_COLLATION, 0};  // no table of this kind can be made yet
+            return compareThroughIcu(by.coll, tls, a, b, mode);
         default:
             return compareByTables(by, a, b, mode);
     }

@@ -13,11 +13,16 @@
 
 namespace nls {
 
-// `sign` counts with status NLS_OK alone: 1 after, 0 equal, -1 before. A site's own sort may answer another number; its
-// low 16 bits are the result.
+// `sign`: 1 after, 0 equal, -1 before. A site's own sort may answer another number; its low 16 bits are the result. It is
+// an answer with status NLS_OK, but ICU tells one of a failure too, and can end without either.
 struct Compared {
+    enum class Told : uint8_t { withOk, always, never };
+
     nlsStatus status;
     int sign;
+    Told told = Told::withOk;
+
+    bool answered() const { return told == Told::withOk ? status == NLS_OK : told == Told::always; }
 };
 
 // What a locale compares by.

@@ -28,7 +28,7 @@ nlsStatus checkLocaleAlone(const nlsLocale* locale) {
 }
 
 nlsStatus handOut(const nls::Compared& compared, uint16_t* result) {
-    if (compared.status == NLS_OK) *result = static_cast<uint16_t>(compared.sign);
+    if (compared.answered()) *result = static_cast<uint16_t>(compared.sign);
     return compared.status;
 }
 

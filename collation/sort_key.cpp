@@ -12,6 +12,7 @@
 #include "collation/unicode_key.hpp"
 #include "conversion/engine.hpp"
 #include "core/base/cpu.hpp"
+#include "icu/icu_key.hpp"
 #include "nls/usersort.h"
 
 namespace nls {
@@ -134,7 +135,7 @@ SortKey keyByValues(const nlsLocale& locale, ByteView text, ByteSpan key, uint16
 
 }  // namespace
 
-SortKey makeSortKey(const Collation& by, nlsTlsBlock*, const unsigned char* src, ByteSpan key, KeyOptions options) {
+SortKey makeSortKey(const Collation& by, nlsTlsBlock* tls, const unsigned char* src, ByteSpan key, KeyOptions options) {
     if (key.empty()) return {NLS_BUF_SMALL, 0};
     if (kindOf(by.coll) == CollKind::byteTables) {
         const std::size_t length = keyInOneGo(by, src, key, options);
@@ -151,7 +152,9 @@ SortKey makeSortKey(const Collation& by, nlsTlsBlock*, const unsigned char* src,
             thaiKey(options.mode == 0 ? by.coll.foldMap : by.coll.exactMap, text.data(), text.size(), key);
             return {NLS_OK, lengthOf(key)};
         case CollKind::icu:
-            return {NLS_BAD_COLLATION, 0};  // no table of this kind can be made yet
+            keyByIcu(key, text, tls, options.mode == 0 ? by.coll.foldMap : by.coll.exactMap, options.mode,
+                     options.primaryOnly);
+            return {NLS_OK, lengthOf(key)};
         default:
             return keyByTables(by, text, key, options);
     }

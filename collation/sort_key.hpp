@@ -21,12 +21,13 @@ struct SortKey {
 
 // What a caller asks for besides the text.
 struct KeyOptions {
-    uint16_t mode;  // of the comparison that the key agrees with
-    bool trim;      // without the blanks at the end of the text
+    uint16_t mode;             // of the comparison that the key agrees with
+    bool trim;                 // without the blanks at the end of the text
+    bool primaryOnly = false;  // of ICU alone: at the primary strength, whatever the mode
 
     static KeyOptions of(uint16_t options, uint16_t trim) {
-        constexpr uint16_t kModeBits = 0x9FFF;
-        return {static_cast<uint16_t>(options & kModeBits), trim != 0};
+        constexpr uint16_t kModeBits = 0x9FFF, kPrimaryOnly = 0x4000;
+        return {static_cast<uint16_t>(options & kModeBits), trim != 0, (options & kPrimaryOnly) != 0};
     }
 };
 

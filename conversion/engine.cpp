@@ -12,6 +12,7 @@
 #include "conversion/jis.hpp"
 #include "conversion/sbcs_bridge.hpp"
 #include "conversion/unicode_transforms.hpp"
+#include "icu/icu_convert.hpp"
 #include "nls/status.h"
 
 namespace nls {
@@ -65,11 +66,21 @@ EngineAnswer throughByteMap(const ByteMapTable& table, const Conversion& text) {
     return {text.check && changed ? NLS_CONV_CHANGED : NLS_OK, static_cast<int64_t>(text.source.size())};
 }
 
+// ICU reads up to a NUL, as wide as it may be.
+bool closeForIcu(ByteSpan scratch, std::size_t length) {
+    constexpr std::size_t kWidest = 2;
+    if (scratch.size() - length < kWidest) return false;
+    std::memset(scratch.data() + length, 0, kWidest);
+    return true;
+}
+
 EngineAnswer inTwoSteps(ConvTable table, const Conversion& text) {
     if ((text.check && inPlace(text)) || text.scratch.empty()) return kRefused;
     const EngineAnswer first = convert(table.firstStep(), {text.scratch, text.source, {}});
     if (!complete(first.status)) return first;
     const ByteView middle = text.scratch.first(first.counted() ? static_cast<std::size_t>(first.length) : 0);
+    if (blockOf(table.secondStep().type()) == TableBlock::icuConverter && !closeForIcu(text.scratch, middle.size()))
+        return {NLS_BUF_SMALL, kUncounted};
     EngineAnswer second = convert(table.secondStep(), {text.target, middle, {}});
     if (!second.counted()) second.length = first.length;
     if (text.check && complete(second.status) && differsAsString(outputOf(text, second.length), text.source))
@@ -130,6 +141,14 @@ EngineAnswer fromUtf8Through(Transform transform, ConvTable table, const Convers
     return startsInsideCharacter(text.source) ? kRefused : through(transform, table, text);
 }
 
+// ICU reads the source up to its NUL, which the caller has put there.
+EngineAnswer throughIcu(ConvTable table, const Conversion& text) {
+    const IcuConverted done =
+        convertByIcu(table, text.target, text.source.data(), static_cast<uint32_t>(text.source.size()));
+    const bool changed = text.check && done.status == NLS_OK && done.length != 0;
+    return {changed ? NLS_CONV_CHANGED : done.status, done.told ? int64_t{done.length} : kUncounted};
+}
+
 bool hasHandler(ConvType type) {
     return rowOf(type).known && type != ConvType::identity;
 }
@@ -142,7 +161,7 @@ EngineAnswer byType(ConvType type, ConvTable table, const Conversion& text) {
         case ConvType::sjisToEuc:       return byRule(sjisToEuc, text);
         case ConvType::eucToSjis:       return byRule(eucToSjis, text);
         case ConvType::unicodeToIcu:
-        case ConvType::icuToUnicode:    return {NLS_NO_CONV_TABLE, kUncounted};  // no ICU is bound yet
+        case ConvType::icuToUnicode:    return throughIcu(table, text);
         case ConvType::twoStep:         return inTwoSteps(table, text);
         case ConvType::dbcsToUtf8:
         case ConvType::dbcsToUtf8Long:
@@ -182,6 +201,7 @@ namespace {
 // A character as its bytes, first byte first, without leading zero bytes; one byte at least.
 struct CharacterBytes {
     unsigned char bytes[4];
+    unsigned char end[2];  // ICU reads up to a NUL
     std::size_t count;
 };
 

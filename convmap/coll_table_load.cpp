@@ -7,6 +7,8 @@
 #include "convmap/coll_derive.hpp"
 #include "convmap/conv_table_load.hpp"
 #include "core/base/names.hpp"
+#include "icu/collation_name.hpp"
+#include "icu/collator.hpp"
 
 namespace nls {
 
@@ -17,16 +19,6 @@ namespace record_of = format::collation;
 
 constexpr LoadedCollation kNoCollation = {NLS_NO_COLL_TABLE, nullptr};
 
-// The names that ICU answers for; their case counts.
-bool isIcuName(const char* name) {
-    return std::strncmp(name, "ICU-", 4) == 0 || std::strncmp(name, "ICU_", 4) == 0;
-}
-
-// ICU isn't bound yet, so it knows no name.
-LoadedCollation loadIcuCollation() {
-    return kNoCollation;
-}
-
 void pushOnList(const LoadContext& context, nlsCollStruct& coll) {
     coll.nextColl = *context.newestCollation;
     *context.newestCollation = &coll;
@@ -35,6 +27,27 @@ void pushOnList(const LoadContext& context, nlsCollStruct& coll) {
 void setNames(nlsCollStruct& coll, const char* charset, const char* collationName) {
     copyName(coll.collCharset, sizeof coll.collCharset, charset);
     copyName(coll.collName, sizeof coll.collName, collationName);
+}
+
+// The record stands behind the collation, in one piece of the arena.
+struct IcuCollation {
+    nlsCollStruct coll;
+    nlsIcuInfo info;
+};
+static_assert(sizeof(IcuCollation) == 648);
+
+// Each locale has a collation of its own; the contents of the file aren't asked. One that ICU refuses stays on the list.
+LoadedCollation loadIcuCollation(const LoadContext& context, const char* charset, const char* collationName) {
+    constexpr int32_t kFailedKind = -2;
+    auto* const made = context.arena.make<IcuCollation>();
+    if (made == nullptr) return {NLS_NO_MEM, nullptr};
+    nlsCollStruct& coll = made->coll;
+    if (const nlsStatus bad = fillIcuInfo(coll, made->info, collationName)) return {bad, &coll};
+    const nlsStatus status = makeIcuCollation(made->info.icuLocale, coll);
+    setNames(coll, charset, collationName);
+    coll.collKind = status == NLS_OK ? static_cast<int32_t>(CollKind::icu) : kFailedKind;
+    pushOnList(context, coll);
+    return {status, &coll};
 }
 
 // A collation by code points has no weights, and says so in both slots.
@@ -112,7 +125,7 @@ LoadedCollation deriveCollation(const LoadContext& context, const char* charset,
 
 LoadedCollation loadCollation(const LoadContext& context, const char* charset, const char* collationName,
                               bool mayDerive) {
-    if (isIcuName(collationName)) return loadIcuCollation();
+    if (isIcuName(collationName)) return loadIcuCollation(context, charset, collationName);
     nlsTocEntry* const entry = context.contents.find(format::EntryType::collation, charset, collationName);
     if (entry != nullptr) return loadEntry(context, *entry, charset, collationName);
     if (!mayDerive) return kNoCollation;

@@ -8,6 +8,7 @@
 //   word | inner table        types 29, 30
 //   word | first, second, 0   type 7
 //   word | 256 bytes          type 1
+//   word | converter          types 5, 6
 //   word                      types 3, 4, 21 to 28
 //
 // Tested by tests/convmap/conv_table_load_test.cpp and tests/conversion/engine_test.cpp.
@@ -71,6 +72,10 @@ struct ByteMapTable {
     unsigned char map[256];
 };
 
+struct IcuTable {
+    void* converter;
+};
+
 // What stands behind the type word. A table is never made with less than its readers read.
 enum class TableBlock { none, byteMap, icuConverter, twoSteps, dbcs, sbcsWords, sbcsPages, innerTable };
 
@@ -105,6 +110,7 @@ constexpr TableBlock blockOf(ConvType type) {
 class ConvTable {
 public:
     static constexpr uint32_t kSwapSource = 0x080, kSwapTarget = 0x200;
+    static constexpr uint32_t kUtf8Source = 0x180, kUtf8Target = 0x600;  // types 5 and 6 alone
     static constexpr uint32_t kOrderBits = 0x780;  // all that the type mask clears
 
     explicit ConvTable(const nlsConvTable* table) : table_(table) {}
@@ -121,11 +127,14 @@ public:
     bool swapsSource() const { return !isNull() && (static_cast<uint32_t>(typeWord()) & kSwapSource) != 0; }
     bool swapsTarget() const { return !isNull() && (static_cast<uint32_t>(typeWord()) & kSwapTarget) != 0; }
 
+    bool hasUtf8Side() const { return hasAll(kUtf8Source) || hasAll(kUtf8Target); }
+
     // REQUIRES of each: type() is one of the types of that block.
     const DbcsTable& dbcs() const { return block<DbcsTable>(); }
     const SbcsWords& sbcsWords() const { return block<SbcsWords>(); }
     const SbcsPages& sbcsPages() const { return block<SbcsPages>(); }
     const ByteMapTable& byteMap() const { return block<ByteMapTable>(); }
+    void* icuConverter() const { return block<IcuTable>().converter; }
     ConvTable inner() const { return step(0); }
     ConvTable firstStep() const { return step(0); }
     ConvTable secondStep() const { return step(1); }
@@ -139,6 +148,7 @@ private:
         std::memcpy(&word, reinterpret_cast<const unsigned char*>(table_) - sizeof word, sizeof word);
         return word;
     }
+    bool hasAll(uint32_t bits) const { return !isNull() && (static_cast<uint32_t>(typeWord()) & bits) == bits; }
     template <typename Block>
     const Block& block() const {
         return *reinterpret_cast<const Block*>(table_);

@@ -9,6 +9,7 @@
 #include "convmap/ucs2_maps.hpp"
 #include "convmap/utf8_tables.hpp"
 #include "core/base/names.hpp"
+#include "icu/converter.hpp"
 
 namespace nls {
 
@@ -87,6 +88,7 @@ public:
 private:
     LoadedTable make(const nlsTocEntry& entry, NamePair pair, LoadOptions options, unsigned nested);
     LoadedTable makeOnInner(int64_t typeWord, NamePair inner, LoadOptions options, unsigned nested);
+    LoadedTable makeOnConverter(int64_t typeWord, const char* charset);
     LoadedTable fromOpposite(const nlsTocEntry& entry, NamePair pair, unsigned nested);
     LoadedTable makePlain(int64_t typeWord, const TableSource& source, uint32_t leastSize);
 
@@ -131,7 +133,8 @@ LoadedTable TableLoader::make(const nlsTocEntry& entry, NamePair pair, LoadOptio
             return makePlain(typeWord, source, sizeof(ByteMapTable));
         case TableBlock::none:
             return makePlain(typeWord, source, 0);
-        case TableBlock::icuConverter:  // no converter can be opened while ICU isn't bound
+        case TableBlock::icuConverter:
+            return makeOnConverter(typeWord, type == ConvType::unicodeToIcu ? entry.name2 : entry.name1);
         case TableBlock::twoSteps:
             break;
     }
@@ -143,6 +146,13 @@ LoadedTable TableLoader::makeOnInner(int64_t typeWord, NamePair innerPair, LoadO
     if (inner.status != NLS_OK) return orNoTable(inner);
     if (blockOf(ConvTable{inner.object}.type()) != TableBlock::dbcs) return kNoTable;
     return orNoMemory(makeTable(context_.arena, typeWord, &inner.object, sizeof inner.object));
+}
+
+// The converter stays open for as long as the process runs.
+LoadedTable TableLoader::makeOnConverter(int64_t typeWord, const char* charset) {
+    const OpenedConverter opened = openConverter(charset);
+    if (opened.status != kIcuOk) return kNoTable;
+    return orNoMemory(makeTable(context_.arena, typeWord, &opened.converter, sizeof opened.converter));
 }
 
 // Making the table of the opposite direction has put this one into its entry. Contents where it doesn't do that are

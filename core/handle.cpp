@@ -6,6 +6,7 @@
 #include "convmap/load_context.hpp"
 #include "core/base/arena.hpp"
 #include "core/base/busy_guard.hpp"
+#include "icu/control.hpp"
 
 namespace nls {
 
@@ -46,7 +47,7 @@ OpenedHandle openHandle(ByteSpan block, nlsReadFn readFn, uint32_t fileHandle) {
     handle.readFn = readFn;
     handle.fileHandle = fileHandle;
     const BusyGuard busy{handle};
-    // The list of ICU collation names will be built here, before the contents; ICU isn't bound yet.
+    startIcuControl();
     return {readContentsInto(handle), &handle};
 }
 

@@ -9,6 +9,7 @@
 #include "core/base/object_chain.hpp"
 #include "core/handle.hpp"
 #include "core/tls_block.hpp"
+#include "icu/collator.hpp"
 #include "nls/handle.h"
 #include "nls/inner.h"
 
@@ -82,8 +83,8 @@ nlsStatus nlsTlsInit(uint64_t ownerWord, void* buffer, uint32_t* size, nlsTlsBlo
     return NLS_BUF_SMALL;
 }
 
-// No collator is opened while ICU isn't bound, so there is none to close.
-nlsStatus nlsTlsClose(nlsTlsBlock*) {
+nlsStatus nlsTlsClose(nlsTlsBlock* block) {
+    if (block != nullptr) nls::closeCollator(*block);
     return NLS_OK;
 }
 

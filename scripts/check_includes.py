@@ -21,11 +21,14 @@ CLIENT = {"include"}
 ARROWS = {
     "include": set(),
     "core/base": {"include"},
-    "core": {"include", "core/base", "convmap", "collation/user_sort.hpp"},
-    "convmap": {"include", "core/base", "collation/coll_kind.hpp", "collation/user_sort.hpp"},
+    "core": {"include", "core/base", "convmap", "collation/user_sort.hpp", "icu/collator.hpp", "icu/control.hpp"},
+    "convmap": {"include", "core/base", "collation/coll_kind.hpp", "collation/user_sort.hpp", "icu/collation_name.hpp",
+                "icu/collator.hpp", "icu/converter.hpp"},
+    "icu": {"include", "core/base", "convmap/conv_table.hpp"},
     "chars": {"include", "core/base"},
-    "conversion": {"include", "core/base", "convmap/conv_table.hpp", "convmap/dbcs_index.hpp"},
-    "collation": {"include", "core/base", "chars", "conversion", "convmap/conv_table.hpp", "convmap/case_pages.hpp"},
+    "conversion": {"include", "core/base", "convmap/conv_table.hpp", "convmap/dbcs_index.hpp", "icu/icu_convert.hpp"},
+    "collation": {"include", "core/base", "chars", "conversion", "convmap/conv_table.hpp", "convmap/case_pages.hpp",
+                  "icu/icu_compare.hpp", "icu/icu_key.hpp"},
     "strings": {"include", "core/base", "chars", "collation", "conversion", "convmap/case_pages.hpp"},
     "tools/mkconvmap": CLIENT | {"core/base", "convmap", "collation/coll_kind.hpp"},
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
@@ -33,7 +36,7 @@ ARROWS = {
     "fuzz": CLIENT | {"core/base", "tests/support"},
     "tests/support": set(),  # a folder of its own for those who may include it; itself it looks into everything
 }
-LIBRARY = ("core", "convmap", "chars", "conversion", "collation", "strings")
+LIBRARY = ("core", "convmap", "chars", "conversion", "collation", "icu", "strings")
 # Tests look into everything; those of the public interface are clients like any other.
 CLIENT_TESTS = ("tests/abi", "tests/end_to_end", "tests/install")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"(.*)$')

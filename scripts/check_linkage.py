@@ -13,6 +13,9 @@ import sys
 ALLOWED = {
     "memcpy", "memmove", "memset", "memcmp", "memchr",  # bytes by length
     "strlen", "strnlen", "strcmp", "strncmp", "strcpy", # NUL-terminated names and text
+    "strchr", "strstr",                                 # names and lists of ICU
+    "secure_getenv", "dlopen", "dlsym", "dlerror",      # finding and loading ICU (icu/loader.cpp)
+    "malloc", "free",                                   # one comparison through ICU of long text (icu/icu_compare.cpp)
     "__ctype_toupper_loc", "__ctype_tolower_loc",       # names fold case by the C locale of the process
 }
 # Weak names that the compiler's own start-up files bring into every shared library.

@@ -105,6 +105,12 @@ NLS_AT(nlsCollStruct, collSubKind, 528);
 NLS_AT(nlsCollStruct, collCharset, 532);
 NLS_AT(nlsCollStruct, collName, 552);
 
+static_assert(sizeof(nlsIcuInfo) == 64);
+NLS_AT(nlsIcuInfo, version, 8);
+NLS_AT(nlsIcuInfo, versionText, 16);
+NLS_AT(nlsIcuInfo, icuLocale, 24);
+NLS_AT(nlsIcuInfo, nameText, 32);
+
 static_assert(sizeof(nlsCaseStruct) == 516);
 NLS_AT(nlsCaseStruct, upperMap, 4);
 NLS_AT(nlsCaseStruct, lowerMap, 260);

@@ -23,6 +23,7 @@
 /* What conversions and comparisons come down to, and what older callers know. An ordinary caller does without. */
 #include "nls/collation_routes.h"
 #include "nls/dbcs_transforms.h"
+#include "nls/icu.h"
 #include "nls/inner.h"
 #include "nls/transforms.h"
 

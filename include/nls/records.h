@@ -30,6 +30,9 @@ typedef struct nlsUnicodeCaseStruct nlsUnicodeCaseStruct;
 typedef struct nlsWbTable nlsWbTable;
 typedef struct nlsIcuInfo nlsIcuInfo;
 
+/* One of the builds of ICU that the library knows; told in no header. */
+typedef struct nlsIcuVersion nlsIcuVersion;
+
 /* Values of nlsHdr.typeTag. */
 enum { NLS_TAG_CLOSED = 0, NLS_TAG_HANDLE = 1, NLS_TAG_LOCALE = 2, NLS_TAG_CONVERSION = 3 };
 
@@ -195,6 +198,16 @@ struct nlsCollStruct {
     uint32_t collSubKind;        /* 528: 0 with kind 1 marks the basic table */
     char collCharset[20];        /* 532: at most 19 characters and a NUL */
     char collName[32];           /* 552: at most 31 characters and a NUL */
+};
+
+/* The record of a collation of ICU's, directly behind its nlsCollStruct in the arena: 64 bytes. */
+struct nlsIcuInfo {
+    void* sharedCollator;    /*  0: for callers without a block of their thread */
+    nlsIcuVersion* version;  /*  8: the build */
+    const char* versionText; /* 16: its key */
+    const char* icuLocale;   /* 24: the part of nameText that tells the locale */
+    char nameText[32];       /* 32: the collation's name behind its first four characters, cut by a NUL in front of the
+                                   locale */
 };
 
 /* A case table of bytes, of every charset but UTF-8: 516 bytes. */

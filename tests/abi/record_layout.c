@@ -99,6 +99,12 @@ AT(nlsCollStruct, collSubKind, 528);
 AT(nlsCollStruct, collCharset, 532);
 AT(nlsCollStruct, collName, 552);
 
+SIZE(nlsIcuInfo, 64);
+AT(nlsIcuInfo, version, 8);
+AT(nlsIcuInfo, versionText, 16);
+AT(nlsIcuInfo, icuLocale, 24);
+AT(nlsIcuInfo, nameText, 32);
+
 SIZE(nlsCaseStruct, 516);
 AT(nlsCaseStruct, upperMap, 4);
 AT(nlsCaseStruct, lowerMap, 260);

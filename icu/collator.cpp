@@ -1,0 +1,127 @@
+#include "icu/collator.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "icu/collation_name.hpp"
+#include "icu/image.hpp"
+#include "icu/loader.hpp"
+#include "icu/name_list.hpp"
+
+namespace nls {
+namespace {
+
+bool mayUseRoot(const char* locale) {
+    return *locale == '\0' || std::strcmp(locale, "en") == 0 || std::strncmp(locale, "en_", 3) == 0;
+}
+
+// The collator of a locale as a collation's name tells it.
+OpenedCollator openNamed(nlsIcuVersion& row, const char* name, char (&locale)[kIcuLocaleRoom]) {
+    if (icuLocaleOf(row, name, locale, kIcuLocaleRoom) != NLS_OK) return {kIcuUsedDefault, nullptr};
+    return openCollator(row, locale);
+}
+
+void writeVersions(const nlsIcuVersion& row, const IcuCollator* collator, IcuImage image) {
+    constexpr unsigned char kUnknownUca[4] = {3, 1, 1, 0};
+    row.entryPoints->ucol_getVersion(collator, image.collatorVersion());
+    if ((row.capabilities & kHasUcaVersion) != 0)
+        row.entryPoints->ucol_getUCAVersion(collator, image.ucaVersion());
+    else
+        std::memcpy(image.ucaVersion(), kUnknownUca, sizeof kUnknownUca);
+}
+
+template <std::size_t Size>
+void copyText(char (&to)[Size], const char* from) {
+    std::memset(to, 0, Size);
+    std::memcpy(to, from, std::min(std::strlen(from), Size - 1));
+}
+
+// The words in the order of the list below.
+constexpr char kStrengths[] = "PRIMARY,SECONDARY,TERTIARY,QUATERNARY,IGNORE-SECONDARY";
+constexpr int32_t kLastStrength = 4;
+constexpr unsigned kFirstExplicitMode = 4;  // of the first strength
+
+}  // namespace
+
+OpenedCollator openCollator(nlsIcuVersion& row, const char* locale) {
+    if (loadLevel(row) < kCollates) {
+        if (const nlsStatus bad = UL_init_icu(kCollates, row)) return {bad, nullptr};
+    }
+    IcuStatus status = kIcuOk;
+    IcuCollator* const collator = row.entryPoints->ucol_open(locale, &status);
+    if (status > kIcuOk) return {status, nullptr};
+    if (status == kIcuUsedDefault && !mayUseRoot(locale)) {
+        row.entryPoints->ucol_close(collator);
+        return {status, nullptr};
+    }
+    return {kIcuOk, collator};
+}
+
+nlsStatus makeIcuCollation(const char* name, nlsCollStruct& coll) {
+    IcuImage exact{coll.exactMap}, fold{coll.foldMap};
+    nlsIcuInfo* const info = exact.info();
+    if (info == nullptr) return NLS_NO_MEM;
+    char locale[kIcuLocaleRoom];
+    const OpenedCollator opened = openNamed(*info->version, name, locale);
+    if (opened.status != kIcuOk) return NLS_NO_MEM;
+    writeVersions(*info->version, opened.collator, exact);
+    copyText(exact.locale(), *locale == '\0' ? "" : name);
+    exact.clearReserved();
+
+    char kept[IcuImage::kStrength];
+    std::memcpy(kept, fold.strengthWord(), sizeof kept);
+    std::memcpy(coll.foldMap, coll.exactMap, IcuImage::kSize);
+    if (exact.strengthWord()[0] == '\0') std::strcpy(exact.strengthWord(), "TERTIARY");
+    if (kept[0] == '\0') std::strcpy(kept, "SECONDARY");
+    std::memcpy(fold.strengthWord(), kept, sizeof kept);
+    info->sharedCollator = opened.collator;
+    return NLS_OK;
+}
+
+ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls) {
+    auto* const shared = static_cast<IcuCollator*>(info.sharedCollator);
+    if (tls == nullptr) return {NLS_OK, shared};
+    if (tls->collator != 0) return {NLS_OK, reinterpret_cast<IcuCollator*>(tls->collator)};
+    char locale[kIcuLocaleRoom];
+    const OpenedCollator opened = openNamed(*info.version, info.icuLocale, locale);
+    tls->icuColl = &info;
+    tls->icuStatus = opened.status;
+    if (opened.status != kIcuOk) return {NLS_NO_COLL_TABLE, shared};
+    tls->collator = reinterpret_cast<uint64_t>(opened.collator);
+    return {NLS_OK, opened.collator};
+}
+
+void closeCollator(nlsTlsBlock& tls) {
+    if (tls.collator == 0) return;
+    tls.icuColl->version->entryPoints->ucol_close(reinterpret_cast<IcuCollator*>(tls.collator));
+    tls.collator = 0;
+}
+
+int32_t strengthOf(const unsigned char* map, unsigned mode) {
+    if (mode >= kFirstExplicitMode && mode <= kFirstExplicitMode + kLastStrength)
+        return static_cast<int32_t>(mode - kFirstExplicitMode);
+    if (mode > 1) return -1;
+    constexpr std::size_t kLongest = 32;  // with its NUL, as far as a word counts
+    char word[kLongest] = {};
+    std::memcpy(word, IcuImage::strengthWordOf(map), kLongest - 1);
+    return static_cast<int32_t>(placeInList(word, kStrengths)) - 1;
+}
+
+void setStrength(const nlsIcuVersion& row, IcuCollator* collator, int32_t strength) {
+    if (loadLevel(row) >= kCollates) row.entryPoints->ucol_setStrength(collator, strength);
+}
+
+int32_t compareUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* a, int32_t lengthA,
+                     const IcuUnit* b, int32_t lengthB) {
+    if (loadLevel(row) < kCollates) return kNotCompared;
+    const int32_t sign = row.entryPoints->ucol_strcoll(collator, a, lengthA, b, lengthB);
+    return sign >= -1 && sign <= 1 ? sign : kNotCompared;
+}
+
+int32_t keyOfUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* text, int32_t length,
+                   unsigned char* key, int32_t keySize) {
+    if (loadLevel(row) < kCollates) return 0;
+    return row.entryPoints->ucol_getSortKey(collator, text, length, key, keySize);
+}
+
+}  // namespace nls

@@ -1,0 +1,49 @@
+// ICU's collators: opened by a locale's name, one for each thread that brings a block, and of the strength that a call
+// asks for. Tested by tests/icu/collator_test.cpp.
+#pragma once
+
+#include "icu/builds.hpp"
+#include "nls/base.h"
+#include "nls/records.h"
+#include "nls/status.h"
+
+namespace nls {
+
+struct OpenedCollator {
+    IcuStatus status;  // 0 beside a collator; ICU's error, NLS_ICU_LOAD, or kIcuUsedDefault for a locale unknown to ICU
+    IcuCollator* collator;
+};
+// `locale` as ICU spells it; empty for the root. Loads the build when it is the first. Where ICU knows nothing of a
+// locale, its root order is refused, but for English, which has no other.
+OpenedCollator openCollator(nlsIcuVersion& row, const char* locale);
+
+// Completes a collation whose record fillIcuInfo has made: opens the collator that callers without a block share, and
+// writes versions, locale and strength words into both images. Words that stand there already stay. NLS_OK, or
+// NLS_NO_MEM if ICU can't be loaded or refuses the locale.
+nlsStatus makeIcuCollation(const char* name, nlsCollStruct& coll);
+
+// The collator for this call: the thread's own, opened on first use, or the shared one without a block. The block holds
+// one collator, whichever collation asks.
+struct ChosenCollator {
+    nlsStatus status;  // NLS_OK, or NLS_NO_COLL_TABLE beside the shared collator; the block then tells ICU's error
+    IcuCollator* collator;
+};
+ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls);
+
+void closeCollator(nlsTlsBlock& tls);
+
+// ICU's number of a strength, for a compare mode under a map; below 0 where there is none. Modes 0 and 1 go by the word
+// in the map, 4 to 8 tell the strength themselves.
+int32_t strengthOf(const unsigned char* map, unsigned mode);
+inline constexpr int32_t kPrimaryStrength = 0;
+
+// What stands between the library and ICU: of a build that isn't loaded for collation they do nothing, and answer that
+// nothing was done.
+inline constexpr int32_t kNotCompared = -2;
+void setStrength(const nlsIcuVersion& row, IcuCollator* collator, int32_t strength);
+int32_t compareUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* a, int32_t lengthA,
+                     const IcuUnit* b, int32_t lengthB);
+int32_t keyOfUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* text, int32_t length,
+                   unsigned char* key, int32_t keySize);
+
+}  // namespace nls

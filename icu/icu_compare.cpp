@@ -1,0 +1,93 @@
+#include "icu/icu_compare.hpp"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "core/base/views.hpp"
+#include "icu/collator.hpp"
+#include "icu/converter.hpp"
+#include "icu/image.hpp"
+
+namespace nls {
+namespace {
+
+constexpr IcuCompared kUnanswered{NLS_OK, false, 0};
+
+constexpr IcuCompared answer(int32_t sign) {
+    return {NLS_OK, true, sign};
+}
+constexpr IcuCompared failure(nlsStatus status) {
+    return {status, false, 0};
+}
+
+ByteView withoutBlanksAtEnd(const unsigned char* text, int32_t given) {
+    std::size_t length = given < 0 ? std::strlen(reinterpret_cast<const char*>(text)) : static_cast<std::size_t>(given);
+    while (length != 0 && text[length - 1] == ' ') --length;
+    return {text, length};
+}
+
+// A text in UTF-16, which never has more units than UTF-8 has bytes: on the stack as long as it is short.
+class Units {
+public:
+    explicit Units(ByteView text) : text_(text), units_(text.size() <= kOnStack ? near_ : far(text.size())) {}
+    Units(const Units&) = delete;
+    Units& operator=(const Units&) = delete;
+    ~Units() {
+        if (units_ != near_) std::free(units_);
+    }
+
+    bool hasRoom() const { return units_ != nullptr; }
+    // REQUIRES: room. Units that fill it to the last are no failure: that is what ASCII does.
+    bool convert(IcuConverter* utf8) {
+        const auto size = static_cast<int32_t>(text_.size());
+        IcuStatus status = kIcuOk;
+        count_ = convFuncs().ucnv_toUChars(utf8, units_, size, text_.data(), size, &status);
+        return status == kIcuOk || status == kIcuNotTerminated;
+    }
+    const IcuUnit* get() const { return units_; }
+    int32_t count() const { return count_; }
+
+private:
+    static constexpr std::size_t kOnStack = 2000;
+
+    // The one place where the library takes memory of its own.
+    static IcuUnit* far(std::size_t count) { return static_cast<IcuUnit*>(std::malloc(count * sizeof(IcuUnit))); }
+
+    ByteView text_;
+    IcuUnit near_[kOnStack];
+    IcuUnit* units_;
+    int32_t count_ = 0;
+};
+
+IcuCompared compareConverted(const nlsIcuInfo& info, const IcuCollator* collator, IcuConverter* utf8, ByteView a,
+                             ByteView b) {
+    Units first{a};
+    if (!first.hasRoom()) return failure(NLS_BUF_SMALL);
+    if (!first.convert(utf8)) return kUnanswered;
+    Units second{b};
+    if (!second.hasRoom()) return failure(NLS_BUF_SMALL);
+    if (!second.convert(utf8)) return kUnanswered;
+    const int32_t sign =
+        compareUnits(*info.version, collator, first.get(), first.count(), second.get(), second.count());
+    return {sign == kNotCompared ? NLS_BAD_TABLE : NLS_OK, true, sign};
+}
+
+}  // namespace
+
+IcuCompared compareByIcu(const unsigned char* a, const unsigned char* b, nlsTlsBlock* tls, const unsigned char* map,
+                         uint16_t mode, int32_t lengthA, int32_t lengthB) {
+    const ByteView first = withoutBlanksAtEnd(a, lengthA), second = withoutBlanksAtEnd(b, lengthB);
+    if (first.empty() || second.empty()) return answer(int{second.empty()} - int{first.empty()});
+    nlsIcuInfo* const info = IcuImage::infoOf(map);
+    if (info == nullptr) return failure(NLS_BAD_TABLE);
+    const ChosenCollator chosen = collatorOf(*info, tls);
+    if (chosen.status != NLS_OK) return failure(chosen.status);
+    const int32_t strength = strengthOf(map, mode);
+    if (strength < 0) return kUnanswered;
+    setStrength(*info->version, chosen.collator, strength);
+    const Utf8Converter utf8;
+    if (!utf8.isOpen()) return failure(NLS_BAD_ARG);
+    return compareConverted(*info, chosen.collator, utf8.get(), first, second);
+}
+
+}  // namespace nls
