@@ -42,12 +42,12 @@ LoadedCollation loadIcuCollation(const LoadContext& context, const char* charset
     auto* const made = context.arena.make<IcuCollation>();
     if (made == nullptr) return {NLS_NO_MEM, nullptr};
     nlsCollStruct& coll = made->coll;
-    if (const nlsStatus bad = fillIcuInfo(coll, made->info, collationName)) return {bad, &coll};
+    if (const nlsStatus bad = fillIcuInfo(coll, made->info, collationName)) return {bad, nullptr};
     const nlsStatus status = makeIcuCollation(made->info.icuLocale, coll);
     setNames(coll, charset, collationName);
     coll.collKind = status == NLS_OK ? static_cast<int32_t>(CollKind::icu) : kFailedKind;
     pushOnList(context, coll);
-    return {status, &coll};
+    return {status, status == NLS_OK ? &coll : nullptr};
 }
 
 // A collation by code points has no weights, and says so in both slots.

@@ -206,6 +206,7 @@ IcuConverted toUtf8(IcuConverter* converter, ByteSpan target, const unsigned cha
 
 IcuConverted convertByIcu(ConvTable table, ByteSpan target, const unsigned char* source, uint32_t sourceLength) {
     auto* const converter = static_cast<IcuConverter*>(table.icuConverter());
+    if (converter == nullptr) return failure(NLS_NO_CONV_TABLE);
     const bool utf8 = table.hasUtf8Side();
     if (table.type() == ConvType::unicodeToIcu)
         return utf8 ? fromUtf8(converter, target, source, sourceLength)

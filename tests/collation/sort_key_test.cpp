@@ -155,8 +155,6 @@ TEST(SortKey, ChecksInTheirOrder) {
     both(&locale, 0, 2, NLS_BUF_SMALL, NLS_BUF_SMALL);
     both(&locale, -4, 0, NLS_BUF_SMALL, NLS_BUF_SMALL);
     both(&locale, 8, 2, NLS_BAD_COMPARE_MODE, NLS_BAD_COMPARE_MODE);
-    made.coll().collKind = 5;
-    both(&locale, 8, 0, NLS_BAD_COLLATION, NLS_BAD_COLLATION);
     locale.coll = nullptr;
     both(&locale, 8, 0, NLS_BAD_COLLATION, NLS_BAD_COLLATION);
     locale.attrib = nullptr;

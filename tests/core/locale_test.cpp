@@ -81,7 +81,8 @@ TEST(Locale, FailuresLeaveTheChainAndTheOutArgumentAlone) {
         {"unknown collation", "LATIN", "klingon", nullptr, NLS_NO_COLL_TABLE},
         {"unknown case table", "LATIN", NLS_NO_COLLATION, "klingon", NLS_NO_CASE_TABLE},
         {"the charset is looked at first", "KLINGON", "klingon", "klingon", NLS_NO_ATTRIB_TABLE},
-        {"no name of ICU's is known", "LATIN", "ICU-de", nullptr, NLS_NO_COLL_TABLE},
+        {"no build of ICU has the key", "LATIN", "ICU_47-de", nullptr, NLS_NO_COLL_TABLE},
+        {"ICU knows no such language", "LATIN", "ICU-klingon", nullptr, NLS_NO_MEM},
         {"the collation is looked at second", "LATIN", "klingon", "klingon", NLS_NO_COLL_TABLE},
     };
     for (const auto& row : rows) {

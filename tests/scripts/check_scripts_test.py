@@ -55,7 +55,7 @@ FAULTS = [
      "shut can be resolved outside"),
     ("a header outside the umbrella", SYMBOLS, {"include/nls/b.h": "\n"}, "doesn't include b.h"),
     ("heap memory", LINKAGE, {"core/room.hpp": "#include <cstdlib>\nvoid* volatile kept;\n"
-                                               "inline int room() { kept = malloc(9); return 2; }\n"}, "heap memory"),
+                                               "inline int room() { kept = calloc(9, 9); return 2; }\n"}, "heap memory"),
     ("exceptions", LINKAGE, {"core/room.hpp": "inline int room() { throw 2; }\n"}, "throws or catches"),
     ("code at load time", LINKAGE, {"core/room.hpp": "int other(); inline int room() { return 2; }\nint at = other();\n"
                                                      "__attribute__((noinline)) int other() { asm volatile(\"\"); return 3; }\n"},

@@ -36,6 +36,8 @@ inline std::vector<SearchLocale> searchLocales() {
     };
     const auto ofKind = [](int32_t kind, nlsCollStruct coll = plainCollation()) {
         coll.collKind = kind;
+        if (kind == 5)  // without a record of ICU's
+            for (unsigned char* const map : {coll.exactMap, coll.foldMap}) std::fill_n(map, sizeof(nlsIcuInfo*), 0);
         return coll;
     };
     const auto withFlags = [](nlsAttribStruct attrib, int32_t flags) {
