@@ -15,11 +15,16 @@
 
 namespace nls::test {
 
+// A test that wants the packs with a guard defines it before it includes this.
+#ifndef NLS_ICU_FOLDER
+#define NLS_ICU_FOLDER NLS_ICU_PACKS
+#endif
+
 // Before anything loads ICU.
 inline bool useFolder(const char* folder) {
     return setenv("BINPATHX", folder, 1) == 0;
 }
-inline const bool kPacksInUse = useFolder(NLS_ICU_PACKS);
+inline const bool kPacksInUse = useFolder(NLS_ICU_FOLDER);
 
 inline const unsigned char* bytesOf(std::string_view text) {
     return reinterpret_cast<const unsigned char*>(text.data());
