@@ -10,8 +10,6 @@
 namespace nls {
 namespace {
 
-constexpr IcuStatus kIcuOverflow = 15;  // the length that is needed is told all the same
-
 constexpr IcuConverted failure(nlsStatus status) {
     return {status, false, 0};
 }
@@ -44,49 +42,6 @@ std::size_t countUnits(const unsigned char* source, std::size_t most) {
 
 // --- UTF-16 to the charset ---
 
-// Units at an odd address: read by way of a buffer, piece by piece, never through the middle of a pair. A converter with
-// states begins each piece in its first one.
-class OddUnits {
-public:
-    OddUnits(const unsigned char* source, std::size_t count, bool swap) : next_(source), left_(count), swap_(swap) {}
-
-    IcuConverted convert(IcuConverter* converter, ByteSpan target) {
-        std::size_t length = 0;
-        bool failed = false, broken = false;
-        do {
-            const int32_t count = fetch();
-            const std::size_t used = std::min(length, target.size());
-            IcuStatus status = kIcuOk;
-            length += static_cast<std::size_t>(convFuncs().ucnv_fromUChars(
-                converter, target.data() + used, sizeForIcu(target.size() - used), piece_, count, &status));
-            // Behind a piece that fills the target comes another, unless it is the last.
-            failed |= status > kIcuOk || (left_ == 0 && status != kIcuOk);
-            broken = status > kIcuOk && status != kIcuOverflow;
-        } while (left_ != 0 && !broken);
-        return {failed ? NLS_BAD_ARG : NLS_OK, true, static_cast<uint32_t>(length)};
-    }
-
-private:
-    static constexpr std::size_t kPiece = 1000;
-
-    int32_t fetch() {
-        std::size_t count = std::min(left_, kPiece);
-        for (std::size_t i = 0; i < count; ++i) {
-            const auto unit = static_cast<IcuUnit>(loadWord<uint16_t>(next_ + 2 * i));
-            piece_[i] = swap_ ? swapped(unit) : unit;
-        }
-        if (count < left_ && (piece_[count - 1] & 0xFC00U) == 0xD800U) --count;
-        next_ += 2 * count;
-        left_ -= count;
-        return static_cast<int32_t>(count);
-    }
-
-    const unsigned char* next_;
-    std::size_t left_;
-    bool swap_;
-    IcuUnit piece_[kPiece];
-};
-
 // The caller's units in the order of the machine, for a scope.
 class UnitsInOrder {
 public:
@@ -100,19 +55,59 @@ private:
     std::size_t count_;
 };
 
+// The caller's units from an odd address at an even one, for a scope: moved up by a byte, onto the first byte of the
+// zero unit.
+class UnitsMovedUp {
+public:
+    UnitsMovedUp(unsigned char* source, std::size_t count) : source_(source), size_(2 * count), behind_(source[size_]) {
+        std::memmove(source_ + 1, source_, size_);
+    }
+    UnitsMovedUp(const UnitsMovedUp&) = delete;
+    UnitsMovedUp& operator=(const UnitsMovedUp&) = delete;
+    ~UnitsMovedUp() {
+        std::memmove(source_, source_ + 1, size_);
+        source_[size_] = behind_;
+    }
+    IcuUnit* get() const { return reinterpret_cast<IcuUnit*>(source_ + 1); }
+
+private:
+    unsigned char* source_;
+    std::size_t size_;
+    unsigned char behind_;
+};
+
+// `count` as ICU takes it: -1 is up to the zero unit.
+IcuConverted encode(IcuConverter* converter, ByteSpan target, const IcuUnit* units, int32_t count) {
+    IcuStatus status = kIcuOk;
+    const int32_t length =
+        convFuncs().ucnv_fromUChars(converter, target.data(), sizeForIcu(target.size()), units, count, &status);
+    return outcome(status, length);
+}
+
+IcuConverted fromOddUnits(IcuConverter* converter, bool swap, ByteSpan target, const unsigned char* source,
+                          std::size_t count) {
+    constexpr std::size_t kInCall = 1000;  // so many are copied, and the caller's are left alone
+    if (count > kInCall) {
+        const UnitsMovedUp moved{const_cast<unsigned char*>(source), count};
+        const UnitsInOrder inOrder{moved.get(), swap ? count : 0};
+        return encode(converter, target, moved.get(), sizeForIcu(count));
+    }
+    IcuUnit units[kInCall];
+    std::memcpy(units, source, 2 * count);
+    if (swap) swapUnits(units, count);
+    return encode(converter, target, units, sizeForIcu(count));
+}
+
 IcuConverted fromUnits(IcuConverter* converter, bool swap, ByteSpan target, const unsigned char* source,
                        uint32_t sourceLength) {
     const std::size_t count = swap || isOdd(source) ? countUnits(source, sourceLength) : 0;
     if (isOdd(source)) {
         if (!target.empty()) target = target.first(target.size() - 1);
-        return OddUnits{source, count, swap}.convert(converter, target);
+        return fromOddUnits(converter, swap, target, source, count);
     }
     auto* const units = reinterpret_cast<IcuUnit*>(const_cast<unsigned char*>(source));
     const UnitsInOrder inOrder{units, swap ? count : 0};
-    IcuStatus status = kIcuOk;
-    const int32_t length =
-        convFuncs().ucnv_fromUChars(converter, target.data(), sizeForIcu(target.size()), units, -1, &status);
-    return outcome(status, length);
+    return encode(converter, target, units, -1);
 }
 
 // --- The pivot ---
@@ -168,9 +163,7 @@ IcuConverted fromUtf8(IcuConverter* converter, ByteSpan target, const unsigned c
     if (status != kIcuOk) return failure(NLS_BAD_ARG);
     if (mayOverrun(count, pivot.free()) && charsetOverrunsPivot(converter, pivot.place(), count, pivot.free()))
         return failure(NLS_BUF_SMALL);
-    const int32_t length =
-        convFuncs().ucnv_fromUChars(converter, target.data(), sizeForIcu(target.size()), pivot.place(), -1, &status);
-    return outcome(status, length);
+    return encode(converter, target, pivot.place(), -1);
 }
 
 // --- The charset to Unicode ---
@@ -197,9 +190,8 @@ IcuConverted toUtf8(IcuConverter* converter, ByteSpan target, const unsigned cha
     const int32_t count = convFuncs().ucnv_toUChars(converter, pivot.place(), pivot.room(), source, -1, &status);
     if (status != kIcuOk) return failure(NLS_BAD_ARG);
     if (utf8OverrunsPivot(pivot.place(), static_cast<std::size_t>(count), pivot.free())) return failure(NLS_BUF_SMALL);
-    const int32_t length =
-        convFuncs().ucnv_fromUChars(utf8.get(), target.data(), sizeForIcu(target.size()), pivot.place(), -1, &status);
-    return status == kIcuOk ? outcome(status, length) : failure(NLS_BAD_ARG);
+    const IcuConverted done = encode(utf8.get(), target, pivot.place(), -1);
+    return done.status == NLS_OK ? done : failure(done.status);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "icu/pivot_overlap.hpp"
 
+#include <algorithm>
+
 #include "icu/control.hpp"
 
 namespace nls {
@@ -20,20 +22,52 @@ class CharsetOutput {
 public:
     CharsetOutput(IcuConverter* converter, std::size_t free) : converter_(converter), free_(free) {}
 
-    // Does the output of these units overrun what hasn't been read? If not, notes what it adds.
-    bool overruns(const IcuUnit* units, std::size_t count) {
+    // Does the output overrun what hasn't been read? Of a charset whose bytes for a text are those of its parts, one
+    // behind the other. If not, notes what the units add.
+    bool partsOverrun(const IcuUnit* units, std::size_t count) {
+        const std::size_t after = written_ + lengthOf(units, count);
+        if (after <= free_ + 2 * read_) return take(count, after);
+        const std::size_t half = middle(units, 0, count);
+        if (half == 0) return after > free_ + 2 * (read_ + count) || take(count, after);
+        return partsOverrun(units, half) || partsOverrun(units + half, count - half);
+    }
+
+    // The same for a charset with states, by the lengths of what stands in front: those of the first `from` and `to`
+    // units. A text that would take long is said to overrun.
+    bool prefixesOverrun(const IcuUnit* units, std::size_t from, std::size_t to, std::size_t lengthTo) {
+        constexpr unsigned kMostCalls = 200;
+        if (lengthTo <= free_ + 2 * from) return false;
+        const std::size_t half = middle(units, from, to);
+        if (half == from) return lengthTo > free_ + 2 * to;
+        if (++calls_ > kMostCalls) return true;
+        return prefixesOverrun(units, from, half, lengthOf(units, half)) || prefixesOverrun(units, half, to, lengthTo);
+    }
+
+    std::size_t lengthOf(const IcuUnit* units, std::size_t count) const {
         IcuStatus status = kIcuOk;
         const int32_t length =
             convFuncs().ucnv_fromUChars(converter_, nullptr, 0, units, static_cast<int32_t>(count), &status);
-        const std::size_t after = written_ + static_cast<std::size_t>(length > 0 ? length : 0);
-        if (after <= free_ + 2 * read_) return take(count, after);
-        std::size_t half = count / 2;
-        if (half != 0 && isPair(units[half - 1], units[half])) ++half;
-        if (half == 0 || half == count) return after > free_ + 2 * (read_ + count) || take(count, after);
-        return overruns(units, half) || overruns(units + half, count - half);
+        return static_cast<std::size_t>(length > 0 ? length : 0);
+    }
+
+    // A charset with states needs less for a character behind another of its script than for the first. One character
+    // for each script that such charsets have states for; above U+FFFF none has.
+    bool hasStates() const {
+        constexpr IcuUnit kProbes[] = {u'a',      u'\u00E9', u'\u03B1', u'\u044F', u'\u05D0', u'\u0628', u'\u0915',
+                                       u'\u0995', u'\u0B95', u'\u0E01', u'\u3042', u'\u65E5', u'\u7B80', u'\uD55C'};
+        return std::ranges::any_of(kProbes, [this](IcuUnit probe) {
+            const IcuUnit twice[] = {probe, probe};
+            return lengthOf(twice, 2) != 2 * lengthOf(&probe, 1);
+        });
     }
 
 private:
+    // Where to part a text, not inside a pair; its start if it can't be.
+    static std::size_t middle(const IcuUnit* units, std::size_t from, std::size_t to) {
+        std::size_t half = from + (to - from) / 2;
+        if (half != from && isPair(units[half - 1], units[half])) ++half;
+        return half == to ? from : half;
+    }
     bool take(std::size_t units, std::size_t written) {
         read_ += units;
         written_ = written;
@@ -42,6 +76,7 @@ private:
 
     IcuConverter* converter_;
     std::size_t free_, read_ = 0, written_ = 0;
+    unsigned calls_ = 0;
 };
 
 std::size_t utf8Length(IcuUnit unit) {
@@ -64,7 +99,10 @@ bool utf8OverrunsPivot(const IcuUnit* units, std::size_t count, std::size_t free
 }
 
 bool charsetOverrunsPivot(IcuConverter* converter, const IcuUnit* units, std::size_t count, std::size_t free) {
-    return count != 0 && CharsetOutput{converter, free}.overruns(units, count);
+    CharsetOutput output{converter, free};
+    const std::size_t whole = output.lengthOf(units, count);
+    if (whole <= free) return false;
+    return output.hasStates() ? output.prefixesOverrun(units, 0, count, whole) : output.partsOverrun(units, count);
 }
 
 }  // namespace nls

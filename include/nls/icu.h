@@ -128,9 +128,9 @@ NLS_API nlsStatus ccGetICUConvPtr(const char* name, void** converter);
    UTF-8, the text in UTF-16 stands in the tail of the target on its way, so the target must hold more than twice
    `sourceLen` and 2 bytes. What ICU can't express becomes ICU's substitute, and isn't told.
 
-   A source in UTF-16 of the other byte order is swapped in place and swapped back: nobody else may read it meanwhile. At
-   an odd address it is read by way of a buffer of the call, `targetSize` counts one less, and a charset with states
-   begins every thousand units in its first one.
+   A source in UTF-16 of the other byte order is swapped in place and swapped back, and one of more than 1000 units at an
+   odd address is moved onto the first byte of its terminator and back: nobody else may read it meanwhile. At an odd
+   address `targetSize` counts one less.
 
    NLS_OK                 `*outLen` is the bytes written, without a terminator
    NLS_BUF_SMALL (2)      no room for the way by UTF-16; or the output would run into that part of it that hasn't been
