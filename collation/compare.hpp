@@ -13,8 +13,8 @@
 
 namespace nls {
 
-// `sign`: 1 after, 0 equal, -1 before. A site's own sort may answer another number; its low 16 bits are the result. It is
-// an answer with status NLS_OK, but ICU tells one of a failure too, and can end without either.
+// `sign`: 1 after, 0 equal, -1 before. A site's own sort may answer another number; its low 16 bits are the result. It
+// is an answer with status NLS_OK, but ICU tells one of a failure too, and can end without either.
 struct Compared {
     enum class Told : uint8_t { withOk, always, never };
 

@@ -36,7 +36,8 @@ struct IcuCollation {
 };
 static_assert(sizeof(IcuCollation) == 648);
 
-// Each locale has a collation of its own; the contents of the file aren't asked. One that ICU refuses stays on the list.
+// Each locale has a collation of its own; the contents of the file aren't asked. One that ICU refuses stays on the
+// list.
 LoadedCollation loadIcuCollation(const LoadContext& context, const char* charset, const char* collationName) {
     constexpr int32_t kFailedKind = -2;
     auto* const made = context.arena.make<IcuCollation>();

@@ -111,7 +111,7 @@ class ConvTable {
 public:
     static constexpr uint32_t kSwapSource = 0x080, kSwapTarget = 0x200;
     static constexpr uint32_t kUtf8Source = 0x180, kUtf8Target = 0x600;  // types 5 and 6 alone
-    static constexpr uint32_t kOrderBits = 0x780;  // all that the type mask clears
+    static constexpr uint32_t kOrderBits = 0x780;                        // all that the type mask clears
 
     explicit ConvTable(const nlsConvTable* table) : table_(table) {}
 

@@ -30,8 +30,8 @@ struct nlsIcuFuncs {
         return at<IcuConverter*(const char*, IcuStatus*)>(0)(name, status);
     }
     void ucnv_close(IcuConverter* converter) const { at<void(IcuConverter*)>(1)(converter); }
-    // Both answer the length that the whole text needs. Sizes are bytes on the side of the charset, else units; a source
-    // length of -1 is up to the NUL.
+    // Both answer the length that the whole text needs. Sizes are bytes on the side of the charset, else units; a
+    // source length of -1 is up to the NUL.
     int32_t ucnv_fromUChars(IcuConverter* converter, unsigned char* target, int32_t size, const IcuUnit* source,
                             int32_t length, IcuStatus* status) const {
         return at<int32_t(IcuConverter*, unsigned char*, int32_t, const IcuUnit*, int32_t, IcuStatus*)>(4)(

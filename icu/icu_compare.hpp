@@ -17,8 +17,8 @@ struct IcuCompared {
     int32_t sign;  // counts if answered: -1, 0, 1, or -2 beside NLS_BAD_TABLE
 };
 
-// `map` is one of the maps of a collation of ICU's. A length below 0 is up to the NUL; any other counts as it is, NULs in
-// the text included. Blanks at the ends don't count.
+// `map` is one of the maps of a collation of ICU's. A length below 0 is up to the NUL; any other counts as it is, NULs
+// in the text included. Blanks at the ends don't count.
 IcuCompared compareByIcu(const unsigned char* a, const unsigned char* b, nlsTlsBlock* tls, const unsigned char* map,
                          uint16_t mode, int32_t lengthA, int32_t lengthB);
 

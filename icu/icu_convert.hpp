@@ -19,9 +19,9 @@ struct IcuConverted {
     uint32_t length;
 };
 
-// A source is read up to its NUL, of 16 bits for UTF-16, whatever `sourceLength` says: that sizes the work, in units for
-// UTF-16 and else in bytes. The pivot of a text in UTF-8 lies in the tail of the target. REQUIRES: a table of type 5 or
-// 6, and a source that is terminated. A table without a converter answers NLS_NO_CONV_TABLE.
+// A source is read up to its NUL, of 16 bits for UTF-16, whatever `sourceLength` says: that sizes the work, in units
+// for UTF-16 and else in bytes. The pivot of a text in UTF-8 lies in the tail of the target. REQUIRES: a table of type
+// 5 or 6, and a source that is terminated. A table without a converter answers NLS_NO_CONV_TABLE.
 IcuConverted convertByIcu(ConvTable table, ByteSpan target, const unsigned char* source, uint32_t sourceLength);
 
 }  // namespace nls

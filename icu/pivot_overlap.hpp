@@ -13,8 +13,8 @@ namespace nls {
 // In UTF-8 a unit takes at most three bytes, so that the units tell the lengths themselves.
 bool utf8OverrunsPivot(const IcuUnit* units, std::size_t count, std::size_t free);
 
-// Into a charset: the converter is asked for the lengths, of the whole first, and of parts where that doesn't settle it.
-// A charset with states can be told to overrun where it wouldn't by a byte or a few.
+// Into a charset: the converter is asked for the lengths, of the whole first, and of parts where that doesn't settle
+// it. A charset with states can be told to overrun where it wouldn't by a byte or a few.
 bool charsetOverrunsPivot(IcuConverter* converter, const IcuUnit* units, std::size_t count, std::size_t free);
 
 }  // namespace nls

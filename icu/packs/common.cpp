@@ -4,6 +4,7 @@
 #include "icu/packs/entry.hpp"
 #include "icu/packs/held.hpp"
 
+namespace nls::packs {
 namespace {
 
 using Converter = Held<UConverter>;
@@ -73,3 +74,5 @@ int32_t packFlushCache() {
 }
 
 }  // extern "C"
+
+}  // namespace nls::packs

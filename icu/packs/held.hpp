@@ -2,20 +2,20 @@
 // it that sees when two threads use it at once.
 //
 // A guarded pack counts what it opens and closes. It stops the program when an object is used while another thread uses
-// it; and since each use changes the record without order, the thread sanitizer also finds those that missed each other.
+// it; and since each use changes the record without order, the thread sanitizer also finds those that missed each
+// other.
 #pragma once
 
 #ifdef NLS_PACK_GUARD
 
 #include <atomic>
-#include <cstdio>
-#include <cstdlib>
 
-#include "icu/packs/entry.hpp"
+namespace nls::packs {
 
-namespace {
-
-std::atomic<long> opened, closed;
+// guard.cpp
+void countOpened();
+void countClosed();
+[[noreturn]] void stopForTwoThreads();
 
 template <typename Object>
 struct Held {
@@ -27,7 +27,7 @@ struct Held {
 template <typename Object>
 Held<Object>* hold(Object* object) {
     if (object == nullptr) return nullptr;
-    ++opened;
+    countOpened();
     return new Held<Object>{object, false, 0};
 }
 
@@ -37,10 +37,7 @@ class Use {
 public:
     explicit Use(const Held<Object>* held) : held_(const_cast<Held<Object>*>(held)) {
         if (held_ == nullptr) return;
-        if (held_->inUse.exchange(true, std::memory_order_relaxed)) {
-            std::fputs("guard: two threads use one object of ICU's at once\n", stderr);
-            std::abort();
-        }
+        if (held_->inUse.exchange(true, std::memory_order_relaxed)) stopForTwoThreads();
         ++held_->uses;
     }
     Use(const Use&) = delete;
@@ -57,7 +54,7 @@ private:
 template <typename Object>
 void release(Held<Object>* held, void (*close)(Object*)) {
     if (held == nullptr) return;
-    ++closed;
+    countClosed();
     {
         const Use<Object> use{held};
         close(use.get());
@@ -65,24 +62,11 @@ void release(Held<Object>* held, void (*close)(Object*)) {
     delete held;
 }
 
-}  // namespace
-
-extern "C" {
-
-long guardOpened() NLS_PACK_ENTRY("nls_guard_opened");
-long guardOpened() {
-    return opened;
-}
-long guardClosed() NLS_PACK_ENTRY("nls_guard_closed");
-long guardClosed() {
-    return closed;
-}
-
-}  // extern "C"
+}  // namespace nls::packs
 
 #else
 
-namespace {
+namespace nls::packs {
 
 template <typename Object>
 using Held = Object;
@@ -107,6 +91,6 @@ void release(Object* object, void (*close)(Object*)) {
     close(object);
 }
 
-}  // namespace
+}  // namespace nls::packs
 
 #endif

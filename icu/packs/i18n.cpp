@@ -6,6 +6,7 @@
 #include "icu/packs/held.hpp"
 #include "icu/packs/locale_forms.hpp"
 
+namespace nls::packs {
 namespace {
 
 using Collator = Held<UCollator>;
@@ -22,9 +23,9 @@ extern "C" {
 
 Collator* packOpen(const char* name, UErrorCode* status) NLS_PACK_ENTRY("ucol_open");
 Collator* packOpen(const char* name, UErrorCode* status) {
-    const nls::packs::LocaleText locale = kOlderForms ? nls::packs::todaysForm(name) : nls::packs::asTold(name);
+    const LocaleText locale = kOlderForms ? todaysForm(name) : asTold(name);
     UCollator* const collator = ucol_open(locale.text, status);
-    if (U_SUCCESS(*status)) *status = nls::packs::toldStatus(locale.text, collator, *status);
+    if (U_SUCCESS(*status)) *status = toldStatus(locale.text, collator, *status);
     return hold(collator);
 }
 
@@ -81,3 +82,5 @@ void packGetUCAVersion(const Collator* collator, UVersionInfo version) {
 #endif
 
 }  // extern "C"
+
+}  // namespace nls::packs

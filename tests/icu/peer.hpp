@@ -1,5 +1,5 @@
-// The installed ICU called directly, apart from the library's own names of ICU's functions, for which ICU's headers have
-// macros.
+// The installed ICU called directly, apart from the library's own names of ICU's functions, for which ICU's headers
+// have macros.
 #pragma once
 
 #include <cstdint>
