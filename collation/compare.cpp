@@ -33,20 +33,20 @@ int32_t lengthOf(Text text) {
     return text.limit == nullptr ? -1 : static_cast<int32_t>(text.limit - text.place);
 }
 
-// What isn't answered is no equality.
-Compared compareThroughIcu(const nlsCollStruct& coll, nlsTlsBlock* tls, Text a, Text b, uint16_t mode) {
+inline Compared compareThroughIcu(const nlsCollStruct& coll, nlsTlsBlock* tls, Text a, Text b, uint16_t mode) {
+    static_assert(Compared::kNoAnswer == IcuCompared::kNoAnswer && Compared::kFailed == IcuCompared::kFailed);
     const IcuCompared done =
         compareByIcu(a.place, b.place, tls, mode == 0 ? coll.foldMap : coll.exactMap, mode, lengthOf(a), lengthOf(b));
-    if (!done.answered) return {done.status, 1, Compared::Told::never};
-    return {done.status, done.sign, Compared::Told::always};
+    return {done.status, done.sign};
 }
 
 // Out of line, so that the other routes needn't make room for its copies.
 [[gnu::noinline]] Compared compareByHook(const Collation& by, Text a, Text b, uint16_t mode) {
     const HookText first = hookText(a), second = hookText(b);
     const nlsHandle* const handle = by.locale.owner;
-    return {NLS_OK, UserSortComp(first.get(), second.get(), by.coll.foldMap, by.coll.exactMap, mode,
-                                 handle != nullptr ? handle->userSortHandle : 0)};
+    const auto sign = UserSortComp(first.get(), second.get(), by.coll.foldMap, by.coll.exactMap, mode,
+                                   handle != nullptr ? handle->userSortHandle : 0);
+    return {NLS_OK, static_cast<int16_t>(sign)};
 }
 
 }  // namespace

@@ -13,16 +13,15 @@
 
 namespace nls {
 
-// `sign`: 1 after, 0 equal, -1 before. A site's own sort may answer another number; its low 16 bits are the result. It
-// is an answer with status NLS_OK, but ICU tells one of a failure too, and can end without either.
+// `sign`: 1 after, 0 equal, -1 before. A site's own sort may answer another number of 16 bits. It is an answer with
+// status NLS_OK, but ICU tells one of a failure too, and can end without either.
 struct Compared {
-    enum class Told : uint8_t { withOk, always, never };
+    static constexpr int kNoAnswer = INT32_MIN + 1, kFailed = -2;  // ICU's; no answer is no equality, in 16 bits either
 
     nlsStatus status;
     int sign;
-    Told told = Told::withOk;
 
-    bool answered() const { return told == Told::withOk ? status == NLS_OK : told == Told::always; }
+    bool answered() const { return status == NLS_OK ? sign != kNoAnswer : sign == kFailed; }
 };
 
 // What a locale compares by.

@@ -36,10 +36,21 @@ void copyText(char (&to)[Size], const char* from) {
     std::memcpy(to, from, std::min(std::strlen(from), Size - 1));
 }
 
-// The words in the order of the list below.
+// In the order of ICU's numbers.
 constexpr char kStrengths[] = "PRIMARY,SECONDARY,TERTIARY,QUATERNARY,IGNORE-SECONDARY";
 constexpr int32_t kLastStrength = 4;
 constexpr unsigned kFirstExplicitMode = 4;  // of the first strength
+
+// The words that nearly every map has, found without a search of the list.
+int32_t strengthOfWord(const char* word) {
+    constexpr char kTertiary[] = "TERTIARY", kSecondary[] = "SECONDARY";
+    if (std::memcmp(word, kTertiary, sizeof kTertiary) == 0) return 2;
+    if (std::memcmp(word, kSecondary, sizeof kSecondary) == 0) return 1;
+    constexpr std::size_t kLongest = 32;  // with its NUL, as far as a word counts
+    char counted[kLongest] = {};
+    std::memcpy(counted, word, kLongest - 1);
+    return static_cast<int32_t>(placeInList(counted, kStrengths)) - 1;
+}
 
 }  // namespace
 
@@ -100,11 +111,7 @@ void closeCollator(nlsTlsBlock& tls) {
 int32_t strengthOf(const unsigned char* map, unsigned mode) {
     if (mode >= kFirstExplicitMode && mode <= kFirstExplicitMode + kLastStrength)
         return static_cast<int32_t>(mode - kFirstExplicitMode);
-    if (mode > 1) return -1;
-    constexpr std::size_t kLongest = 32;  // with its NUL, as far as a word counts
-    char word[kLongest] = {};
-    std::memcpy(word, IcuImage::strengthWordOf(map), kLongest - 1);
-    return static_cast<int32_t>(placeInList(word, kStrengths)) - 1;
+    return mode > 1 ? -1 : strengthOfWord(IcuImage::strengthWordOf(map));
 }
 
 void setStrength(const nlsIcuVersion& row, IcuCollator* collator, int32_t strength) {

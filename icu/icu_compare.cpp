@@ -11,13 +11,13 @@
 namespace nls {
 namespace {
 
-constexpr IcuCompared kUnanswered{NLS_OK, false, 0};
+constexpr IcuCompared kUnanswered{NLS_OK, IcuCompared::kNoAnswer};
 
 constexpr IcuCompared answer(int32_t sign) {
-    return {NLS_OK, true, sign};
+    return {NLS_OK, sign};
 }
 constexpr IcuCompared failure(nlsStatus status) {
-    return {status, false, 0};
+    return {status, IcuCompared::kNoAnswer};
 }
 
 ByteView withoutBlanksAtEnd(const unsigned char* text, int32_t given) {
@@ -69,7 +69,7 @@ IcuCompared compareConverted(const nlsIcuInfo& info, const IcuCollator* collator
     if (!second.convert(utf8)) return kUnanswered;
     const int32_t sign =
         compareUnits(*info.version, collator, first.get(), first.count(), second.get(), second.count());
-    return {sign == kNotCompared ? NLS_BAD_TABLE : NLS_OK, true, sign};
+    return {sign == IcuCompared::kFailed ? NLS_BAD_TABLE : NLS_OK, sign};
 }
 
 }  // namespace

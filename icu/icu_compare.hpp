@@ -9,12 +9,14 @@
 
 namespace nls {
 
-// Which of a caller's two answers has been found: a comparison can end without a sign and yet without an error, and the
-// sign of one that failed is told as well.
+// A comparison can end without a sign and yet without an error, and the sign of one that failed is told as well.
 struct IcuCompared {
+    static constexpr int32_t kNoAnswer = INT32_MIN + 1, kFailed = -2;
+
     nlsStatus status;
-    bool answered;
-    int32_t sign;  // counts if answered: -1, 0, 1, or -2 beside NLS_BAD_TABLE
+    int32_t sign;  // -1, 0, 1; kFailed beside NLS_BAD_TABLE; or kNoAnswer
+
+    bool answered() const { return sign != kNoAnswer; }
 };
 
 // `map` is one of the maps of a collation of ICU's. A length below 0 is up to the NUL; any other counts as it is, NULs

@@ -100,7 +100,7 @@ int32_t UL_ucol_getSortKey(const nlsIcuVersion* row, void* collator, const uint1
 nlsStatus nlsIcuCompare(const unsigned char* s1, const unsigned char* s2, nlsTlsBlock* tls, const unsigned char* map,
                         uint16_t compareMode, int32_t len1, int32_t len2, uint16_t* result) {
     const nls::IcuCompared compared = nls::compareByIcu(s1, s2, tls, map, compareMode, len1, len2);
-    if (compared.answered) *result = static_cast<uint16_t>(compared.sign);
+    if (compared.answered()) *result = static_cast<uint16_t>(compared.sign);
     return compared.status;
 }
 
