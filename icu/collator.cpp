@@ -114,21 +114,4 @@ int32_t strengthOf(const unsigned char* map, unsigned mode) {
     return mode > 1 ? -1 : strengthOfWord(IcuImage::strengthWordOf(map));
 }
 
-void setStrength(const nlsIcuVersion& row, IcuCollator* collator, int32_t strength) {
-    if (loadLevel(row) >= kCollates) row.entryPoints->ucol_setStrength(collator, strength);
-}
-
-int32_t compareUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* a, int32_t lengthA,
-                     const IcuUnit* b, int32_t lengthB) {
-    if (loadLevel(row) < kCollates) return kNotCompared;
-    const int32_t sign = row.entryPoints->ucol_strcoll(collator, a, lengthA, b, lengthB);
-    return sign >= -1 && sign <= 1 ? sign : kNotCompared;
-}
-
-int32_t keyOfUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* text, int32_t length,
-                   unsigned char* key, int32_t keySize) {
-    if (loadLevel(row) < kCollates) return 0;
-    return row.entryPoints->ucol_getSortKey(collator, text, length, key, keySize);
-}
-
 }  // namespace nls

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "icu/builds.hpp"
+#include "icu/loader.hpp"
 #include "nls/base.h"
 #include "nls/records.h"
 #include "nls/status.h"
@@ -40,10 +41,19 @@ inline constexpr int32_t kPrimaryStrength = 0;
 // What stands between the library and ICU: of a build that isn't loaded for collation they do nothing, and answer that
 // nothing was done.
 inline constexpr int32_t kNotCompared = -2;
-void setStrength(const nlsIcuVersion& row, IcuCollator* collator, int32_t strength);
-int32_t compareUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* a, int32_t lengthA,
-                     const IcuUnit* b, int32_t lengthB);
-int32_t keyOfUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* text, int32_t length,
-                   unsigned char* key, int32_t keySize);
+inline void setStrength(const nlsIcuVersion& row, IcuCollator* collator, int32_t strength) {
+    if (loadLevel(row) >= kCollates) row.entryPoints->ucol_setStrength(collator, strength);
+}
+inline int32_t compareUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* a, int32_t lengthA,
+                            const IcuUnit* b, int32_t lengthB) {
+    if (loadLevel(row) < kCollates) return kNotCompared;
+    const int32_t sign = row.entryPoints->ucol_strcoll(collator, a, lengthA, b, lengthB);
+    return sign >= -1 && sign <= 1 ? sign : kNotCompared;
+}
+inline int32_t keyOfUnits(const nlsIcuVersion& row, const IcuCollator* collator, const IcuUnit* text, int32_t length,
+                          unsigned char* key, int32_t keySize) {
+    if (loadLevel(row) < kCollates) return 0;
+    return row.entryPoints->ucol_getSortKey(collator, text, length, key, keySize);
+}
 
 }  // namespace nls
