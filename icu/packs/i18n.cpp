@@ -24,8 +24,9 @@ extern "C" {
 Collator* packOpen(const char* name, UErrorCode* status) NLS_PACK_ENTRY("ucol_open");
 Collator* packOpen(const char* name, UErrorCode* status) {
     const LocaleText locale = kOlderForms ? todaysForm(name) : asTold(name);
-    UCollator* const collator = ucol_open(locale.text, status);
-    if (U_SUCCESS(*status)) *status = toldStatus(locale.text, collator, *status);
+    const bool known = knowsCollation(locale.text);
+    UCollator* const collator = ucol_open(known ? locale.text : "", status);
+    if (U_SUCCESS(*status)) *status = known ? toldStatus(locale.text, collator, *status) : U_USING_DEFAULT_WARNING;
     return hold(collator);
 }
 

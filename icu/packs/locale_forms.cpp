@@ -74,11 +74,8 @@ bool hasCollation(const char* locale, const char* collation) {
 }
 
 bool knowsVariant(const char* locale, const UCollator* collator) {
-    const char* const at = std::strchr(locale, '@');
-    if (at != nullptr && std::strchr(at, '=') == nullptr) return false;
-    const Part variant = variantOf(locale), collation = collationOf(locale);
-    if (!variant.isEmpty() && std::strcmp(variant.get(), variantOf(validLocaleOf(collator)).get()) != 0) return false;
-    return collation.isEmpty() || hasCollation(locale, collation.get());
+    const Part variant = variantOf(locale);
+    return variant.isEmpty() || std::strcmp(variant.get(), variantOf(validLocaleOf(collator)).get()) == 0;
 }
 
 }  // namespace
@@ -104,6 +101,13 @@ LocaleText todaysForm(const char* locale) {
         return length < int{sizeof made.text} ? made : asTold("zxx");
     }
     return told;
+}
+
+bool knowsCollation(const char* locale) {
+    const char* const at = std::strchr(locale, '@');
+    if (at != nullptr && std::strchr(at, '=') == nullptr) return false;
+    const Part collation = collationOf(locale);
+    return collation.isEmpty() || hasCollation(locale, collation.get());
 }
 
 UErrorCode toldStatus(const char* locale, const UCollator* collator, UErrorCode status) {

@@ -20,8 +20,12 @@ LocaleText asTold(const char* locale);
 // A variant of old as a keyword; any other locale as it is.
 LocaleText todaysForm(const char* locale);
 
-// The status for what ICU has opened: -127 (U_USING_DEFAULT_WARNING) where the language, its variant or the collation
-// is unknown to ICU, -128 (U_USING_FALLBACK_WARNING) for a known language in root order, else as ICU told.
+// Is the collation that the locale names, if it names one, one of the language's? To be asked first: once ICU has been
+// asked for a collation that it doesn't know, it tells the language's own with another status from then on.
+bool knowsCollation(const char* locale);
+
+// The status for what ICU has opened: -127 (U_USING_DEFAULT_WARNING) where the language or its variant is unknown to
+// ICU, -128 (U_USING_FALLBACK_WARNING) for a known language in root order, else as ICU told.
 UErrorCode toldStatus(const char* locale, const UCollator* collator, UErrorCode status);
 
 }  // namespace nls::packs
