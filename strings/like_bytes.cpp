@@ -38,6 +38,9 @@ struct Bytes {
         const unsigned char* const end = hasAvx512 ? endOfTextAvx512(text) : text + std::strlen(charsOf(text));
         return static_cast<std::size_t>(end - text) < count ? nullptr : end - count;
     }
+    auto passing(const LikeSigns& signs, const LikeSegment& segment) const {
+        return [&](const unsigned char* text) { return passOver(signs, segment, text); };
+    }
     const unsigned char* passOver(const LikeSigns& signs, const LikeSegment& segment, const unsigned char* text) const {
         if (hasAvx512) return passOverAvx512(weights, signs, segment, text);
         const unsigned char first = *segment.begin;

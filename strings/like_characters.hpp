@@ -6,10 +6,12 @@
 #include "chars/stepping.hpp"
 #include "collation/char_equality.hpp"
 #include "strings/like_opening.hpp"
+#include "strings/like_passing.hpp"
 
 namespace nls {
 
-// `Rule` says whether two characters are equal, neither of them the end of a text, or that it doesn't know.
+// `Rule` says whether two characters are equal, neither of them the end of a text, or that it doesn't know; and which
+// first bytes the characters have that may equal one.
 template <typename Rule>
 class LikeCharacters {
 public:
@@ -27,13 +29,15 @@ public:
         return {NLS_OK, equal == LikeAnswer::yes ? 0 : 1};
     }
 
-    // The first place where the first literal of a segment stands.
-    const unsigned char* passOver(const LikeSigns& signs, const LikeSegment& segment, const unsigned char* text) const {
-        const LikeElement first = readLikeElement(*this, signs, segment.begin);
-        if (first.kind != LikeKind::literal) return text;
-        while (*text != 0 && compare(first.literal, text).sign != 0) text = next(text);
-        return text;
+    const unsigned char* lastCharacters(std::size_t count, const unsigned char* text) const {
+        return lastCharactersOf(rule_.charset, count, text);
     }
+
+    LikePassing<LikeCharacters> passing(const LikeSigns& signs, const LikeSegment& segment) const {
+        return {*this, signs, segment};
+    }
+    const Charset& charset() const { return rule_.charset; }
+    FirstBytes mayEqual(const unsigned char* literal) const { return rule_.mayEqual(literal); }
 
 private:
     Rule rule_;
@@ -54,6 +58,7 @@ struct TableRule {
         if (trailsA != 1 || trailsB != 1 || a[1] == 0 || b[1] == 0) return LikeAnswer::unknown;
         return a[1] == b[1] ? LikeAnswer::yes : LikeAnswer::no;
     }
+    FirstBytes mayEqual(const unsigned char* literal) const { return bytesWeighing(weights, weights.entry(*literal)); }
 };
 
 // Characters by their own values: byte by byte.
@@ -68,6 +73,11 @@ struct ValueRule {
         }
         return LikeAnswer::yes;
     }
+    FirstBytes mayEqual(const unsigned char* literal) const {
+        FirstBytes bytes;
+        bytes.add(*literal);
+        return bytes;
+    }
 };
 
 // The same by their lower forms.
@@ -77,6 +87,9 @@ struct LowerFormRule {
 
     LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
         return lowerFormAt(*table, charset, a) == lowerFormAt(*table, charset, b) ? LikeAnswer::yes : LikeAnswer::no;
+    }
+    FirstBytes mayEqual(const unsigned char* literal) const {
+        return bytesOfForm(*table, charset, lowerFormAt(*table, charset, literal));
     }
 };
 

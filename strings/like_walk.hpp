@@ -14,7 +14,8 @@ namespace nls {
 // and perhaps faster ways for what follows the first `multi`:
 //   matchShort(signs, pattern, text)    an answer, if the text is short; neither is empty
 //   lastCharacters(count, text)         where the last characters begin; null if there are fewer
-//   passOver(signs, segment, text)      a place behind which all places stand where the segment may fit
+//   passing(signs, segment)             a function from a place to the first from there on where the segment may fit;
+//                                       the places never go back
 template <typename Characters>
 class LikeWalk {
 public:
@@ -100,13 +101,18 @@ private:
 
     // The place behind the first part of the text that fits a whole segment; null if none does.
     const unsigned char* firstFit(const LikeSegment& segment, const unsigned char* text) const {
+        if constexpr (requires { characters_.passing(signs_, segment); })
+            return firstFit(segment, text, characters_.passing(signs_, segment));
+        else
+            return firstFit(segment, text, [](const unsigned char* place) { return place; });
+    }
+    template <typename Passing>
+    const unsigned char* firstFit(const LikeSegment& segment, const unsigned char* text, Passing passing) const {
         for (;;) {
             const Fit found = fit(segment.begin, segment.count, text);
             if (found.result == Fit::Result::fits) return found.end;
             if (found.result == Fit::Result::textTooShort) return nullptr;
-            text = characters_.next(text);
-            if constexpr (requires { characters_.passOver(signs_, segment, text); })
-                text = characters_.passOver(signs_, segment, text);
+            text = passing(characters_.next(text));
         }
     }
 

@@ -193,6 +193,23 @@ TEST_P(Like, LongTextsAndSegments) {
     EXPECT_GT(seen_[2], 500U);
 }
 
+// What a segment begins with is rare, and all around it stand characters of every kind, cut and broken ones too.
+TEST_P(Like, RareSegmentsInLongTexts) {
+    std::mt19937 random{17};
+    for (const LikeWorld& world : worlds_.all()) {
+        for (unsigned round = 0; round < 400; ++round) {
+            const auto piece = [&] { return world.pieces[random() % world.pieces.size()]; };
+            const std::vector<std::string> few{piece(), piece()};
+            const std::string text = pieces(random, few, 150, few[0] + 'x') + pieces(random, world.pieces, 3, "a") +
+                                     pieces(random, few, 9, "x");
+            const std::string pattern = '%' + pieces(random, world.pieces, 3, "x_") + (round % 3 == 0 ? "" : "%");
+            expect(world, pattern, text, random() % 2, kUsual);
+            if (HasFatalFailure()) return;
+        }
+    }
+    EXPECT_GT(seen_[2], 500U);
+}
+
 // One place in a text of several blocks, and every place.
 TEST_P(Like, SegmentsAtEveryPlace) {
     for (const char* const name : {"single", "shift-jis"}) {
