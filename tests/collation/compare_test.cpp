@@ -187,7 +187,7 @@ TEST(Compare, ChecksInTheirOrder) {
     nlsLocale locale = *made.get();
     nlsHandle closed{};
     uint16_t result = 77;
-    const unsigned char* const text = bytesOf("x");
+    const unsigned char text[] = "x";
     const auto both = [&](const nlsLocale* object, nlsStatus status, nlsStatus statusN, uint16_t mode = 0) {
         EXPECT_EQ(nlsCompare(object, nullptr, text, text, mode, &result), status);
         EXPECT_EQ(nlsCompareN(object, nullptr, text, text, 1, 1, mode, &result), statusN);
