@@ -7,17 +7,21 @@
      2   a site's own sort (usersort.h)
      3   Unicode: the order of code points, lower-cased by the locale's case table in mode 0
      4   Thai: the order of letter clusters
-     5   ICU: answers NLS_BAD_COLLATION as long as no ICU is bound
+     5   ICU, through a collator (icu.h): texts are UTF-8
 
    Any other number goes as 1. A charset marked NLS_CHARSET_VIA_SJIS compares as its text converted to Shift-JIS would.
    Blanks (0x20) at the end of a text never count, unless a site's own sort says otherwise.
 
    `compareMode`: 1 compares exactly, 0 folds (case, and what else the collation's maps fold). Kinds 1 and its like
    refuse any other value with NLS_BAD_COMPARE_MODE, 3 and 4 take it for 1, and a site's own sort is handed it as it is.
+   For kind 5, 0 and 1 take the strength that the collation tells, and 4 to 8 tell it.
 
    Shared by all: texts end at their NUL. Nothing is allocated and nothing kept but the memo of getSjisHandles, so that
-   any number of threads may call at once. `tls` may be null; it is not read. A caller's text is never written to, with
-   one exception: kind 2, told at nlsCompareN and nlsSortKey.
+   any number of threads may call at once. `tls` may be null; kind 5 alone reads it. A caller's text is never written
+   to, with one exception: kind 2, told at nlsCompareN and nlsSortKey.
+
+   Kind 5 differs: a limited text counts in full, NULs included; a text of more than 2000 bytes takes memory for the
+   length of the call; and each thread needs a `tls` of its own, since a collator belongs to one thread at a time.
 
    Valid C11 and C++20. */
 #ifndef NLS_COMPARE_H
@@ -38,7 +42,8 @@ enum { NLS_ORDER_VERSION = 1 };
 enum { NLS_SORTS_BEFORE = 65535, NLS_SORTS_EQUAL = 0, NLS_SORTS_AFTER = 1 };
 
 /* Compares two NUL-terminated texts. `*result` tells where `s1` sorts: 1 after `s2`, 65535 before it, 0 beside it (kind
-   2: the low 16 bits of what the site's sort answers). It is written with NLS_OK alone.
+   2: the low 16 bits of what the site's sort answers). It is written with NLS_OK alone, but for kind 5 as nlsIcuCompare
+   tells: set it before the call.
 
    In this order: NLS_BAD_HANDLE (13) the handle behind the locale, also for a null locale; NLS_BAD_LOCALE (24) the
    locale; NLS_NO_ATTRIB (27) it has no attribute table; NLS_BAD_COLLATION (25) it has no collation; NLS_BAD_ARG (16)
@@ -61,7 +66,7 @@ NLS_API nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const u
 
 /* What both come down to, without the checks: `attrib` and `coll` are those of the locale. A length of -1 is no limit,
    for every kind. NLS_OK; NLS_BAD_COMPARE_MODE (19); NLS_NO_SJIS (7) and NLS_NO_CONV_TABLE (8) as getSjisHandles tells;
-   NLS_BAD_COLLATION (25) for kind 5. `*result` is written with NLS_OK alone. */
+   for kind 5 what nlsIcuCompare answers. `*result` is written as nlsCompare tells. */
 NLS_API nlsStatus locCompare(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
                              const unsigned char* s2, const nlsAttribStruct* attrib, const nlsCollStruct* coll,
                              uint16_t compareMode, int32_t len1, int32_t len2, uint16_t* result);
@@ -90,6 +95,8 @@ NLS_API nlsStatus getSjisHandles(const nlsLocale* locale);
 
    Byte tables: for each character its weight, and the second byte of a character of several bytes as it is; for a byte
    of weight 0 twice the weight of "s", on the basic table twice 0x53. A key that has no room is cut, and nothing tells.
+   Kind 5: ICU's own key; 0x4000 asks for the primary strength, 0x2000 changes nothing. Whatever fails leaves an empty
+   key with NLS_OK, a text of 400 units of UTF-16 or more among it.
 
    Two keys sort as nlsCompare tells if both were made in its mode with `trim`, and weren't cut, with these exceptions:
    a byte of weight 0 that is also the first byte of a longer character (it ends the key); the basic table where "s"

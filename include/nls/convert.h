@@ -62,7 +62,7 @@ NLS_API int32_t nlsConversionType(const nlsConvTable* table);
         3, 4, 19, 20, 51        `check`, and `target` equal to `source`
         7                       the same; no scratch buffer, or one of size 0
         18, 20, 22, 24, 26, 50  a first source byte of the form 10xxxxxx (only the first is looked at)
-      The types 5 and 6 answer 8 and leave `outLen` alone as long as no ICU is bound.
+      The types 5 and 6 answer as nlsICUConversion tells (icu.h): the source must end in a NUL.
    6. The conversion.
 
    Target too small: result 2. Type 1 then writes nothing, `outLen` 0. Types 17, 81, 89: what fitted stands in the
