@@ -12,6 +12,9 @@
 #include "nls/handle.h"
 #include "nls/objects.h"
 
+/* What a data file, a locale and a conversion offer and need. */
+#include "nls/properties.h"
+
 /* Text under a locale, and from one charset to another. */
 #include "nls/chars.h"
 #include "nls/convert.h"

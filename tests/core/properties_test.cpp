@@ -1,0 +1,254 @@
+// The six queries on files made for them: which numbers each knows, what the numbers say, and the edges of the lists.
+#include "nls/properties.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "nls/convert.h"
+#include "nls/icu.h"
+#include "tests/support/convmap_builder.hpp"
+#include "tests/support/open_handle.hpp"
+
+namespace {
+
+using nls::test::ConvmapBuilder;
+using nls::test::OpenHandle;
+
+constexpr uint32_t kUntouched = 0xEEEEEEEE;
+constexpr char kUtf8Name[] = "UTF-8";
+
+ConvmapBuilder::Attributes flagged(int flags) {
+    ConvmapBuilder::Attributes attributes;
+    attributes.flags = static_cast<unsigned char>(flags);
+    return attributes;
+}
+
+struct Text {
+    nlsStatus status;
+    std::string text;
+};
+template <typename Ask>
+Text textOf(const Ask& ask, int32_t room = 8000) {
+    std::vector<unsigned char> buffer(static_cast<std::size_t>(room), 0xEE);
+    nlsStr record{buffer.data(), room, kUntouched};
+    const nlsStatus status = ask(&record);
+    if (record.strLength == kUntouched) return {status, "?"};
+    EXPECT_EQ(buffer[record.strLength], 0);
+    return {status, std::string(reinterpret_cast<const char*>(buffer.data()), record.strLength)};
+}
+Text ofHandle(const OpenHandle& open, uint32_t property, int32_t room = 8000) {
+    return textOf([&](nlsStr* record) { return nlsGetStrNLSProperty(open.handle, property, record); }, room);
+}
+Text ofLocale(const nlsLocale* locale, uint32_t property, int32_t room = 8000) {
+    return textOf([&](nlsStr* record) { return nlsGetStrLocaleProperty(locale, property, record); }, room);
+}
+uint32_t numberOf(const nlsLocale* locale, uint32_t property) {
+    uint32_t value = kUntouched;
+    EXPECT_EQ(nlsGetIntLocaleProperty(locale, property, &value), NLS_OK) << property;
+    return value;
+}
+uint32_t numberOf(const nlsConversion* conversion, uint32_t property) {
+    uint32_t value = kUntouched;
+    EXPECT_EQ(nlsGetIntConversionProperty(conversion, property, &value), NLS_OK) << property;
+    return value;
+}
+uint32_t numberOf(const OpenHandle& open, uint32_t property) {
+    uint32_t value = kUntouched;
+    EXPECT_EQ(nlsGetIntNLSProperty(open.handle, property, &value), NLS_OK) << property;
+    return value;
+}
+
+std::string icuNames() {
+    uint32_t length = 0;
+    const char* const names = nlsICUCollationList(&length);
+    return {names, length};
+}
+
+// Each query with every number near its own: it answers those that it knows and touches nothing for the others.
+TEST(Properties, EachQueryKnowsItsNumbersAlone) {
+    OpenHandle open{nls::test::smallWorld().build()};
+    nlsLocale* locale = nullptr;
+    ASSERT_EQ(nlsCreateLocale(open.handle, "LATIN", "basic", nullptr, &locale), NLS_OK);
+    nlsConversion* const conversion = open.conversion("LATIN", kUtf8Name);
+    const auto asConversion = reinterpret_cast<const nlsLocale*>(conversion);
+    for (uint32_t number :
+         {0U,  1U,  2U,  3U,  4U,  5U,  6U,  7U,  8U,  9U,  10U, 11U, 12U, 13U, 14U,         15U,       16U,
+          17U, 18U, 19U, 20U, 21U, 22U, 23U, 24U, 25U, 26U, 27U, 28U, 29U, 30U, 0x80000001U, UINT32_MAX}) {
+        const auto knows = [number](uint64_t numbers) { return number < 64 && (numbers >> number & 1) != 0; };
+        const auto bits = [](std::initializer_list<unsigned> numbers) {
+            uint64_t all = 0;
+            for (const unsigned one : numbers) all |= uint64_t{1} << one;
+            return all;
+        };
+        const auto expectInteger = [&](bool known, nlsStatus status, nlsStatus withoutValue, uint32_t value) {
+            EXPECT_EQ(status, known ? NLS_OK : NLS_BAD_PROPERTY) << number;
+            EXPECT_EQ(withoutValue, known ? NLS_BAD_ARG : NLS_BAD_PROPERTY) << number;
+            EXPECT_EQ(value != kUntouched, known) << number;
+        };
+        uint32_t value = kUntouched;
+        nlsStatus status = nlsGetIntLocaleProperty(locale, number, &value);
+        expectInteger(knows(bits({3, 4, 5, 6, 11, 12, 13, 14, 22, 25, 26, 27})), status,
+                      nlsGetIntLocaleProperty(locale, number, nullptr), value);
+        value = kUntouched;
+        status = nlsGetIntConversionProperty(conversion, number, &value);
+        expectInteger(knows(bits({17, 24, 28})), status, nlsGetIntConversionProperty(conversion, number, nullptr),
+                      value);
+        value = kUntouched;
+        status = nlsGetIntNLSProperty(open.handle, number, &value);
+        expectInteger(knows(bits({1, 4, 5, 6, 10, 21, 23})), status, nlsGetIntNLSProperty(open.handle, number, nullptr),
+                      value);
+
+        const auto expectText = [&](bool known, const Text& text, nlsStatus withoutRecord) {
+            EXPECT_EQ(text.status, known ? NLS_OK : NLS_BAD_PROPERTY) << number;
+            EXPECT_EQ(text.text != "?", known) << number;
+            EXPECT_EQ(withoutRecord, known ? NLS_BAD_ARG : NLS_BAD_PROPERTY) << number;
+        };
+        expectText(knows(bits({7, 8, 9, 18, 19, 20})), ofLocale(locale, number),
+                   nlsGetStrLocaleProperty(locale, number, nullptr));
+        expectText(knows(bits({15, 16})),
+                   textOf([&](nlsStr* record) { return nlsGetStrConversionProperty(conversion, number, record); }),
+                   nlsGetStrConversionProperty(conversion, number, nullptr));
+        expectText(knows(bits({2, 7, 8, 9})), ofHandle(open, number),
+                   nlsGetStrNLSProperty(open.handle, number, nullptr));
+        EXPECT_EQ(nlsGetIntLocaleProperty(asConversion, number, &value), NLS_BAD_HANDLE);
+    }
+    uint32_t value = 0;
+    nlsLocale other = *locale;
+    other.hdr.typeTag = NLS_TAG_CLOSED;
+    EXPECT_EQ(nlsGetIntLocaleProperty(&other, 0, &value), NLS_BAD_LOCALE);
+    nlsConversion noConversion = *conversion;
+    noConversion.hdr.typeTag = NLS_TAG_LOCALE;
+    EXPECT_EQ(nlsGetIntConversionProperty(&noConversion, 0, &value), NLS_BAD_CONVERSION);
+    const std::string charsets = ofHandle(open, 2).text;
+    ASSERT_EQ(nlsClose(open.handle), NLS_OK);
+    EXPECT_EQ(nlsGetIntNLSProperty(open.handle, 0, &value), NLS_BAD_HANDLE);
+    EXPECT_EQ(nlsGetIntConversionProperty(conversion, 0, &value), NLS_BAD_HANDLE);
+    EXPECT_EQ(nlsGetStrLocaleProperty(locale, 0, nullptr), NLS_BAD_HANDLE);
+    EXPECT_EQ(ofHandle(open, 2).text, charsets) << "it answers for a closed handle";
+    EXPECT_EQ(nlsGetStrNLSProperty(nullptr, 2, nullptr), NLS_BAD_HANDLE);
+}
+
+// Every combination of the flags, against the rules in a row.
+TEST(Properties, TheCharsetIsWhatItsFlagsSay) {
+    OpenHandle open{nls::test::smallWorld().build()};
+    nlsLocale locale = *open.locale("LATIN");
+    nlsAttribStruct attrib{};
+    locale.attrib = &attrib;
+    for (int flags = 0; flags < 256; ++flags) {
+        attrib.flags = flags;
+        const auto has = [flags](int bits) { return (flags & bits) != 0; };
+        EXPECT_EQ(numberOf(&locale, 3), has(0x58) ? 4U : has(2) ? 2U : 1U) << flags;
+        EXPECT_EQ(numberOf(&locale, 11), has(2) ? 1U : 0U);
+        EXPECT_EQ(numberOf(&locale, 12), has(4) ? 1U : 0U);
+        EXPECT_EQ(numberOf(&locale, 13), has(8) ? 1U : 0U);
+        EXPECT_EQ(numberOf(&locale, 14), has(0x10) ? 1U : 0U);
+        EXPECT_EQ(numberOf(&locale, 25), has(2) && !has(0x58) ? 1U : 0U);
+        EXPECT_EQ(numberOf(&locale, 26), has(0x40) ? 1U : 0U);
+        EXPECT_EQ(numberOf(&locale, 27), !has(2) ? 3U : has(8) ? 1U : 2U);
+    }
+    uint32_t value = 0;
+    EXPECT_EQ(nlsGetIntLocaleProperty(&locale, 22, &value), NLS_BAD_COLLATION) << "a locale without a collation";
+    nlsCollStruct coll{};
+    nlsUnicodeCaseStruct pages{};
+    pages.caseRawSize = 5976;
+    locale.coll = &coll;
+    for (const int32_t kind : {-2, 1, 5, 6, 7}) {
+        coll.collKind = kind;
+        for (const int flags : {0, 8}) {
+            attrib.flags = flags;
+            locale.caseTable = nullptr;
+            EXPECT_EQ(numberOf(&locale, 22), kind <= 5 ? 584U : 1376U);
+            locale.caseTable = reinterpret_cast<nlsCaseStruct*>(&pages);
+            EXPECT_EQ(numberOf(&locale, 22), kind <= 5 ? 584U : flags == 0 ? 1892U : 7352U);
+        }
+    }
+    locale.attrib = nullptr;
+    EXPECT_EQ(nlsGetIntLocaleProperty(&locale, 3, &value), NLS_NO_ATTRIB);
+    EXPECT_EQ(ofLocale(&locale, 7).status, NLS_NO_ATTRIB);
+}
+
+TEST(Properties, OfConversionsAndMemory) {
+    OpenHandle open{nls::test::smallWorld().build()};
+    const nlsConversion* const identity = open.conversion(kUtf8Name, kUtf8Name);
+    EXPECT_EQ(numberOf(identity, 28), 0U);
+    EXPECT_EQ(numberOf(identity, 17), 1U);
+    EXPECT_EQ(numberOf(identity, 24), 1U);
+    nlsConversion any = *open.conversion("LATIN", kUtf8Name);
+    EXPECT_EQ(textOf([&](nlsStr* record) { return nlsGetStrConversionProperty(&any, 15, record); }).text, "LATIN");
+    EXPECT_EQ(textOf([&](nlsStr* record) { return nlsGetStrConversionProperty(&any, 16, record); }).text, kUtf8Name);
+    for (int64_t type = 1; type < 90; ++type) {
+        int64_t table[2] = {type, 0};
+        any.table = reinterpret_cast<nlsConvTable*>(&table[1]);
+        if (nlsConversionType(any.table) != type) continue;
+        if (type == 7) continue;
+        uint32_t want = kUntouched, have = kUntouched;
+        const nlsStatus growth = getMaxExpSz(any.table, &want);
+        EXPECT_EQ(nlsGetIntConversionProperty(&any, 17, &have), growth) << type;
+        EXPECT_EQ(have, want);
+        have = want = kUntouched;
+        const nlsStatus size = getMaxConvCharSize(any.table, 4, &want);
+        EXPECT_EQ(nlsGetIntConversionProperty(&any, 24, &have), size) << type;
+        EXPECT_EQ(have, want);
+    }
+    EXPECT_EQ(numberOf(open, 10), 16U);
+    EXPECT_EQ(numberOf(open, 23), 736U);
+    EXPECT_EQ(numberOf(open, 21), open.handle->freeBytes);
+}
+
+TEST(Properties, ListsOfSmallFiles) {
+    const auto build = [] {
+        return ConvmapBuilder{}
+            .attributes("a", flagged(1))
+            .attributes("bc", flagged(NLS_CHARSET_UNITS16))
+            .attributes("UCS2", flagged(NLS_CHARSET_UNITS16))
+            .attributes("utf-8 ", flagged(NLS_CHARSET_UTF8));
+    };
+    const std::string icu = icuNames();
+    {
+        OpenHandle empty{ConvmapBuilder{}.build()};
+        for (const uint32_t list : {2U, 8U, 9U}) {
+            EXPECT_EQ(ofHandle(empty, list, 1).status, NLS_OK);
+            EXPECT_EQ(ofHandle(empty, list, 1).text, "");
+        }
+        EXPECT_EQ(ofHandle(empty, 7).text, "");
+        EXPECT_EQ(numberOf(empty, 4), 2236U) << "ICU's names are counted whatever the file holds";
+        nlsStr none{nullptr, 0, 5};
+        EXPECT_EQ(nlsGetStrNLSProperty(empty.handle, 2, &none), NLS_BUF_SMALL) << "the NUL has no room";
+    }
+    OpenHandle bare{build().build()};
+    EXPECT_EQ(ofHandle(bare, 2).text, "a,bc,UCS2,utf-8 ");
+    EXPECT_EQ(numberOf(bare, 1), 16U);
+    EXPECT_EQ(ofLocale(bare.locale("a"), 7).text, "");
+    EXPECT_EQ(ofLocale(bare.locale("UCS2"), 7).text, "") << "it has no collation but its own";
+    for (const char* const charset : {"bc", kUtf8Name}) EXPECT_EQ(ofLocale(bare.locale(charset), 7).text, icu);
+
+    OpenHandle full{build()
+                        .collation("UCS2", "own")
+                        .unicodeCollation(kUtf8Name, "basic")
+                        .caseTable("A", "first")
+                        .caseTable("UCS2", "other")
+                        .collation("a", "last")
+                        .caseTable("a", "second")
+                        .bare("a", "bc", 2)
+                        .bare("UCS2", "bc", 2)
+                        .bare("bc", "A ", 2)
+                        .build()};
+    EXPECT_EQ(ofLocale(full.locale("a"), 7).text, "last");
+    EXPECT_EQ(ofLocale(full.locale("a"), 8).text, "first,second");
+    EXPECT_EQ(ofLocale(full.locale("a"), 9).text, "a -> bc,bc -> A ");
+    EXPECT_EQ(ofLocale(full.locale("bc"), 8).text, "");
+    EXPECT_EQ(ofLocale(full.locale("bc"), 7).text, "basic," + icu);
+    EXPECT_EQ(ofLocale(full.locale("UCS2"), 7).text, "own");
+    EXPECT_EQ(ofHandle(full, 8).text, "A first,UCS2 other,a second");
+    std::string pairs;
+    for (std::size_t at = 0; at < icu.size(); at = icu.find(',', at + 1)) {
+        const std::size_t from = at == 0 ? 0 : at + 1;
+        pairs += ",UTF-8 " + icu.substr(from, icu.find(',', from) - from);
+    }
+    EXPECT_EQ(ofHandle(full, 7).text, "UCS2 own,UTF-8 basic" + pairs + ",a last");
+    EXPECT_EQ(numberOf(full, 4), ofHandle(full, 7).text.size());
+}
+
+}  // namespace
