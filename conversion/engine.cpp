@@ -66,11 +66,12 @@ EngineAnswer throughByteMap(const ByteMapTable& table, const Conversion& text) {
     return {text.check && changed ? NLS_CONV_CHANGED : NLS_OK, static_cast<int64_t>(text.source.size())};
 }
 
-// ICU reads up to a NUL, as wide as it may be.
-bool closeForIcu(ByteSpan scratch, std::size_t length) {
-    constexpr std::size_t kWidest = 2;
-    if (scratch.size() - length < kWidest) return false;
-    std::memset(scratch.data() + length, 0, kWidest);
+// ICU reads up to a NUL, which is a unit in UTF-16.
+bool closeForIcu(ConvTable step, ByteSpan scratch, std::size_t length) {
+    const bool readsUnits = step.type() == ConvType::unicodeToIcu && !step.hasUtf8Side();
+    const std::size_t width = readsUnits ? 2 : 1;
+    if (scratch.size() - length < width) return false;
+    std::memset(scratch.data() + length, 0, width);
     return true;
 }
 
@@ -79,9 +80,10 @@ EngineAnswer inTwoSteps(ConvTable table, const Conversion& text) {
     const EngineAnswer first = convert(table.firstStep(), {text.scratch, text.source, {}});
     if (!complete(first.status)) return first;
     const ByteView middle = text.scratch.first(first.counted() ? static_cast<std::size_t>(first.length) : 0);
-    if (blockOf(table.secondStep().type()) == TableBlock::icuConverter && !closeForIcu(text.scratch, middle.size()))
-        return {NLS_BUF_SMALL, kUncounted};
-    EngineAnswer second = convert(table.secondStep(), {text.target, middle, {}});
+    const ConvTable step = table.secondStep();
+    if (blockOf(step.type()) == TableBlock::icuConverter && !closeForIcu(step, text.scratch, middle.size()))
+        return {NLS_BUF_SMALL, first.length};
+    EngineAnswer second = convert(step, {text.target, middle, {}});
     if (!second.counted()) second.length = first.length;
     if (text.check && complete(second.status) && differsAsString(outputOf(text, second.length), text.source))
         second.status = NLS_CONV_CHANGED;

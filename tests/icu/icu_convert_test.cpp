@@ -282,6 +282,37 @@ TEST(IcuConvert, RefusesOtherTables) {
     EXPECT_EQ(length, kUntold);
 }
 
+// The text between the steps gets the NUL that ICU wants, in the room that is left: no more of it than that.
+TEST(IcuConvert, AsTheSecondOfTwoSteps) {
+    const Tables tables{"ISO-8859-5"};
+    const struct {
+        int64_t typeWord;
+        std::string source, target;
+        std::size_t nul;
+    } rows[] = {{kToCharset, bytesOfUnits(u"ab", false), "ab", 2},
+                {kToCharset | kUtf8Source, "ab", "ab", 1},
+                {kFromCharset, "ab", bytesOfUnits(u"ab", false), 1},
+                {kFromCharset | kUtf8Target, "ab", "ab", 1}};
+    for (const auto& row : rows) {
+        const auto second = tables.of(row.typeWord), steps = test::MadeTable::twoStep(nullptr, second);
+        for (std::size_t spare = 0; spare < 4; ++spare) {
+            test::GuardedBuffer scratch{8};
+            const std::size_t size = row.source.size() + spare;
+            unsigned char* const middle = scratch.atEnd(size);
+            std::memset(middle, 0xEE, size);
+            unsigned char target[64];
+            uint32_t length = kUntold;
+            const nlsStatus status =
+                convertBytes(target, sizeof target, test::bytesOf(row.source), static_cast<int32_t>(row.source.size()),
+                             middle, static_cast<int32_t>(size), steps, &length, 0);
+            EXPECT_EQ(status, spare < row.nul ? NLS_BUF_SMALL : NLS_OK) << row.typeWord << " spare " << spare;
+            EXPECT_EQ(length, status == NLS_OK ? row.target.size() : row.source.size());
+            if (status != NLS_OK) continue;
+            EXPECT_EQ((std::string{target, target + length}), row.target);
+        }
+    }
+}
+
 // A data file that names charsets of ICU's.
 class Named : public testing::Test {
 protected:
