@@ -21,11 +21,10 @@ nlsIcuVersion* rowByStart(const char* start) {
     return nullptr;
 }
 
-void setBuild(nlsIcuInfo& info, nlsIcuVersion* row, const char* locale) {
-    info.version = row;
-    info.icuLocale = locale;
-    if (row != nullptr) info.versionText = row->versionKey;
-}
+// Stands for a locale that is too long for the record: it fits no locale's room, so that ICU is never asked for the
+// part of it that would.
+constexpr char kNoRoom[] = "a locale that is longer than any";
+static_assert(sizeof kNoRoom > std::size_t{kIcuLocaleRoom});
 
 }  // namespace
 
@@ -40,17 +39,22 @@ nlsStatus fillIcuInfo(nlsCollStruct& coll, nlsIcuInfo& info, const char* name) {
     if (!isIcuName(name)) return NLS_NO_COLL_TABLE;
     const char* const text = name + kPrefix;
     const std::size_t length = strnlen(text, sizeof info.nameText);
-    if (length == sizeof info.nameText) return NLS_NO_COLL_TABLE;
-    std::memcpy(info.nameText, text, length);
+    const bool fits = length < sizeof info.nameText;
+    std::memcpy(info.nameText, text, fits ? length : sizeof info.nameText - 1);
+    const char* locale = info.nameText;
     if (name[kPrefix - 1] == '-') {
-        setBuild(info, &baseBuild(), info.nameText);
-        return NLS_OK;
+        info.version = &baseBuild();
+    } else {
+        char* const dash = std::strchr(info.nameText, '-');
+        if (dash == nullptr) return NLS_NO_COLL_TABLE;
+        *dash = '\0';
+        locale = dash + 1;
+        info.version = rowByStart(info.nameText);
     }
-    char* const dash = std::strchr(info.nameText, '-');
-    if (dash == nullptr) return NLS_NO_COLL_TABLE;
-    *dash = '\0';
-    setBuild(info, rowByStart(info.nameText), dash + 1);
-    return info.version != nullptr ? NLS_OK : NLS_NO_COLL_TABLE;
+    if (info.version == nullptr) return NLS_NO_COLL_TABLE;
+    info.versionText = info.version->versionKey;
+    info.icuLocale = fits ? locale : kNoRoom;
+    return NLS_OK;
 }
 
 nlsStatus icuLocaleOf(const nlsIcuVersion& row, const char* name, char* locale, int32_t room) {

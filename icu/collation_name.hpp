@@ -15,7 +15,8 @@ namespace nls {
 bool isIcuName(const char* name);
 
 // Makes `info` the record of a collation, from its name, and both maps of `coll` refer to it. NLS_OK, or
-// NLS_NO_COLL_TABLE for a name that no build answers for, or that is too long.
+// NLS_NO_COLL_TABLE for a name that no build answers for. A name too long for the record tells a locale that can't be
+// opened.
 nlsStatus fillIcuInfo(nlsCollStruct& coll, nlsIcuInfo& info, const char* name);
 
 // Bytes for any locale, its NUL included.

@@ -45,9 +45,9 @@ NLS_API const char* nlsICUCollationList(uint32_t* length);
 
 /* Makes `info` the record of a collation from the collation's name, and both maps of `coll` refer to it.
 
-   NLS_OK
-   NLS_NO_COLL_TABLE (10)  the name doesn't begin with "ICU-" or "ICU_", has 32 bytes or more behind that, or its key is
-                           the start of no build's */
+   NLS_OK                  a name of 32 bytes or more behind that doesn't fit the record: it is that of a locale which
+                           nlsIcuGetCollData refuses
+   NLS_NO_COLL_TABLE (10)  the name doesn't begin with "ICU-" or "ICU_", or its key is the start of no build's */
 NLS_API nlsStatus nlsIcuFillInfo(nlsCollStruct* coll, nlsIcuInfo* info, const char* name);
 
 /* Opens the collator of a collation that nlsIcuFillInfo has made, and writes versions, locale and strength words into

@@ -35,8 +35,9 @@ TEST(CollationName, TellsBuildAndLocale) {
         {"ICU", -1, nullptr},
         {"", -1, nullptr},
         {longest.c_str(), 0, longest.c_str() + 4},
-        {"ICU-xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", -1, nullptr},
-        {"ICU_48-xxxxxxxxxxxxxxxxxxxxxxxxxxxxx", -1, nullptr},
+        {"ICU_xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx-", -1, nullptr},
+        {"ICU-xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx", 0, nullptr},  // a locale that no room is made for
+        {"ICU_48-xxxxxxxxxxxxxxxxxxxxxxxxxxxxx", 1, nullptr},
     };
     for (const auto& row : rows) {
         nlsCollStruct coll;
@@ -49,7 +50,12 @@ TEST(CollationName, TellsBuildAndLocale) {
         EXPECT_EQ(info.sharedCollator, nullptr);
         EXPECT_EQ(info.version, row.row < 0 ? nullptr : &icuarray[row.row]) << row.name;
         if (row.row < 0) continue;
-        EXPECT_STREQ(info.icuLocale, row.locale) << row.name;
+        if (row.locale != nullptr) {
+            EXPECT_STREQ(info.icuLocale, row.locale) << row.name;
+        }
+        char locale[32];
+        EXPECT_EQ(nlsIcuGetIcuFromZel(&info, info.icuLocale, locale, sizeof locale),
+                  row.locale != nullptr ? NLS_OK : NLS_BUF_SMALL);
         EXPECT_STREQ(info.versionText, icuarray[row.row].versionKey) << row.name;
     }
 }

@@ -86,7 +86,8 @@ TEST(Collator, UnknownLocalesAreRefusedAndClosed) {
         {"ICU-de@phonebook", -127},
         {"ICU_48-hi@direct", -127},
         {"ICU_48-xx@stroke", -127},
-        {"ICU_48-de@xxxxxxxxxxxxxxxxxxxxx", -127},  // with its keyword it doesn't fit
+        {"ICU_48-de@xxxxxxxxxxxxxxxxxxxxx", -127},        // with its keyword it doesn't fit
+        {"ICU-sv@collation=standard;numeric=yes", -127},  // ICU would know it, and the part of it that fits
         {"ICU-en", 0},
         {"ICU-en_GB", 0},
         {"ICU_48-en", 0},
