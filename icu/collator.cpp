@@ -91,15 +91,18 @@ nlsStatus makeIcuCollation(const char* name, nlsCollStruct& coll) {
 
 ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls) {
     auto* const shared = static_cast<IcuCollator*>(info.sharedCollator);
-    if (tls == nullptr) return {NLS_OK, shared};
-    if (tls->collator != 0) return {NLS_OK, reinterpret_cast<IcuCollator*>(tls->collator)};
+    if (tls == nullptr) return {NLS_OK, shared, info.version};
+    if (tls->collator != 0) {
+        const nlsIcuInfo& opener = tls->icuColl != nullptr ? *tls->icuColl : info;
+        return {NLS_OK, reinterpret_cast<IcuCollator*>(tls->collator), opener.version};
+    }
     char locale[kIcuLocaleRoom];
     const OpenedCollator opened = openNamed(*info.version, info.icuLocale, locale);
     tls->icuColl = &info;
     tls->icuStatus = opened.status;
-    if (opened.status != kIcuOk) return {NLS_NO_COLL_TABLE, shared};
+    if (opened.status != kIcuOk) return {NLS_NO_COLL_TABLE, shared, info.version};
     tls->collator = reinterpret_cast<uint64_t>(opened.collator);
-    return {NLS_OK, opened.collator};
+    return {NLS_OK, opened.collator, info.version};
 }
 
 void closeCollator(nlsTlsBlock& tls) {

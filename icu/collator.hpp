@@ -28,6 +28,7 @@ nlsStatus makeIcuCollation(const char* name, nlsCollStruct& coll);
 struct ChosenCollator {
     nlsStatus status;  // NLS_OK, or NLS_NO_COLL_TABLE beside the shared collator; the block then tells ICU's error
     IcuCollator* collator;
+    const nlsIcuVersion* row;  // the build that opened it, and alone may be handed it
 };
 ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls);
 

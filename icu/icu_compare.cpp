@@ -59,16 +59,14 @@ private:
     int32_t count_ = 0;
 };
 
-IcuCompared compareConverted(const nlsIcuInfo& info, const IcuCollator* collator, IcuConverter* utf8, ByteView a,
-                             ByteView b) {
+IcuCompared compareConverted(const ChosenCollator& by, IcuConverter* utf8, ByteView a, ByteView b) {
     Units first{a};
     if (!first.hasRoom()) return failure(NLS_BUF_SMALL);
     if (!first.convert(utf8)) return kUnanswered;
     Units second{b};
     if (!second.hasRoom()) return failure(NLS_BUF_SMALL);
     if (!second.convert(utf8)) return kUnanswered;
-    const int32_t sign =
-        compareUnits(*info.version, collator, first.get(), first.count(), second.get(), second.count());
+    const int32_t sign = compareUnits(*by.row, by.collator, first.get(), first.count(), second.get(), second.count());
     return {sign == IcuCompared::kFailed ? NLS_BAD_TABLE : NLS_OK, sign};
 }
 
@@ -84,10 +82,10 @@ IcuCompared compareByIcu(const unsigned char* a, const unsigned char* b, nlsTlsB
     if (chosen.status != NLS_OK) return failure(chosen.status);
     const int32_t strength = strengthOf(map, mode);
     if (strength < 0) return kUnanswered;
-    setStrength(*info->version, chosen.collator, strength);
+    setStrength(*chosen.row, chosen.collator, strength);
     const Utf8Converter utf8;
     if (!utf8.isOpen()) return failure(NLS_BAD_ARG);
-    return compareConverted(*info, chosen.collator, utf8.get(), first, second);
+    return compareConverted(chosen, utf8.get(), first, second);
 }
 
 }  // namespace nls

@@ -33,7 +33,7 @@ void keyByIcu(ByteSpan key, ByteView text, nlsTlsBlock* tls, const unsigned char
     if (chosen.status != NLS_OK) return;
     const int32_t strength = primaryOnly ? kPrimaryStrength : strengthOf(map, options & ~kUncountedOption);
     if (strength < 0) return;
-    setStrength(*info->version, chosen.collator, strength);
+    setStrength(*chosen.row, chosen.collator, strength);
     const Utf8Converter utf8;
     if (!utf8.isOpen()) return;
     IcuUnit units[kMostUnits];
@@ -41,7 +41,7 @@ void keyByIcu(ByteSpan key, ByteView text, nlsTlsBlock* tls, const unsigned char
     const int32_t count = convFuncs().ucnv_toUChars(utf8.get(), units, kMostUnits, text.data(),
                                                     static_cast<int32_t>(text.size()), &status);
     if (status != kIcuOk) return;
-    close(key, keyOfUnits(*info->version, chosen.collator, units, count, key.data(), static_cast<int32_t>(key.size())));
+    close(key, keyOfUnits(*chosen.row, chosen.collator, units, count, key.data(), static_cast<int32_t>(key.size())));
 }
 
 }  // namespace nls

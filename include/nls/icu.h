@@ -67,7 +67,8 @@ NLS_API nlsStatus nlsIcuGetCollData(nlsHandle* handle, const char* name, nlsColl
 NLS_API nlsStatus nlsIcuGetIcuFromZel(const nlsIcuInfo* info, const char* name, char* dst, int32_t dstSize);
 
 /* The collator for a call: that of the thread's block, opened on first use for the collation `info`; without a block
-   the one that all callers share. A block holds one collator: once it has it, it answers with it for every collation.
+   the one that all callers share. A block holds one collator: once it has it, it answers with it for every collation,
+   also for one of the other build.
 
    NLS_OK
    NLS_NO_COLL_TABLE (10)  the thread's own can't be opened; `*collator` is the shared one, and the block's `icuStatus`

@@ -87,6 +87,20 @@ TEST(IcuCompare, IsIcusComparison) {
     }
 }
 
+// Whichever collation asks.
+TEST(IcuCompare, ABlocksCollatorGoesToTheBuildThatOpenedIt) {
+    test::IcuWorld world;
+    const nlsLocale *const swedish = world.locale("ICU-sv"), *const german = world.locale("ICU_48-de");
+    test::ThreadBlock block;
+    const std::string key = test::keyOf(swedish, block.get(), "ö", 1);
+    nlsIcuFuncs& newer = *icuarray[1].entryPoints;
+    const nlsIcuFuncs saved = newer;
+    for (const unsigned slot : {22U, 23U, 24U}) newer.slots[slot] = reinterpret_cast<void*>(+[] { std::abort(); });
+    EXPECT_EQ(test::compare(german, block.get(), "z", "ö", 1), -1);
+    EXPECT_EQ(test::keyOf(german, block.get(), "ö", 1), key);
+    newer = saved;
+}
+
 // Answers of the door for one text beside another; without a block.
 class Door : public testing::Test {
 protected:
