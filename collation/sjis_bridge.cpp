@@ -35,9 +35,11 @@ SjisHandles lookForSjisHandles(const nlsLocale& locale) {
     if (sjis == nullptr || sjis->attrib == nullptr) return {NLS_NO_SJIS, nullptr, nullptr};
     nlsConversion* const conversion = findConversionToSjis(*locale.owner, locale.charsetName);
     if (conversion == nullptr) return {NLS_NO_CONV_TABLE, nullptr, nullptr};
-    writeMemo(attrib.sjisAttrib, sjis->attrib);
+    // That of a database locale may go with its block; a conversion keeps one that stays.
+    nlsAttribStruct* const lasting = sjis->dbBlockSize == 0 ? sjis->attrib : conversion->target->attrib;
+    writeMemo(attrib.sjisAttrib, lasting);
     writeMemo(attrib.sjisConversion, conversion);
-    return {NLS_OK, sjis->attrib, conversion};
+    return {NLS_OK, lasting, conversion};
 }
 
 BridgedPair SjisBridge::throughTable(unsigned char first, unsigned char second) const {

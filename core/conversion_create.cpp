@@ -9,6 +9,23 @@ namespace nls {
 
 namespace {
 
+// Does a database locale have its attribute table in its own block?
+bool ownsAttributes(const nlsLocale& locale) {
+    const auto block = reinterpret_cast<uintptr_t>(&locale), attrib = reinterpret_cast<uintptr_t>(locale.attrib);
+    return attrib >= block && attrib - block < locale.dbBlockSize;
+}
+
+// An attribute table that doesn't go with the block of the locale. Null where the arena is used up.
+nlsAttribStruct* lastingAttributes(const LoadContext& context, const nlsLocale& locale) {
+    if (!ownsAttributes(locale)) return locale.attrib;
+    auto* const copy = context.arena.make<nlsAttribStruct>();
+    if (copy == nullptr) return nullptr;
+    *copy = *locale.attrib;
+    copy->sjisAttrib = nullptr;
+    copy->sjisConversion = nullptr;
+    return copy;
+}
+
 // The locale that a conversion keeps. A database locale lives in a block that goes back to its caller while conversions
 // stay on the chain, so a conversion keeps a locale of its own in its place: what conversions read of one, and nothing
 // in it points into that block. It stands on no chain. Null where the arena is used up.
@@ -17,7 +34,8 @@ nlsLocale* lastingLocale(const LoadContext& context, nlsLocale& locale) {
     auto* const standIn = context.arena.make<nlsLocale>();
     if (standIn == nullptr) return nullptr;
     copyName(standIn->charsetName, sizeof standIn->charsetName, locale.charsetName);
-    standIn->attrib = locale.attrib;
+    standIn->attrib = lastingAttributes(context, locale);
+    if (standIn->attrib == nullptr && locale.attrib != nullptr) return nullptr;
     standIn->owner = locale.owner;
     standIn->hdr.typeTag = NLS_TAG_LOCALE;
     return standIn;

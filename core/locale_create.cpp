@@ -83,8 +83,25 @@ CreatedLocale makeLocale(nlsHandle& handle, LocaleNames names) {
     return {NLS_OK, locale};
 }
 
-// The locale and the conversion through which a locale compares. The conversion is found again on the chain. The handle
-// isn't busy here, since both are made like any other.
+// The newest locale that answers to the names and that `counts`.
+template <typename Counts>
+nlsLocale* findOnChainByNames(const nlsHandle& handle, LocaleNames names, Counts counts) {
+    const char* const collation = collationToFind(names.collation);
+    return findOnChain<nlsLocale>(handle, NLS_TAG_LOCALE, [&](const nlsLocale& locale) {
+        return counts(locale) && sameName(locale.charsetName, names.charset) &&
+               answersTo(locale.collationName, collation) && answersTo(locale.caseName, names.caseName);
+    });
+}
+
+CreatedLocale createLocale(nlsHandle& handle, LocaleNames names) {
+    if (handle.busy != 0) return {NLS_BUSY, nullptr};
+    const CreatedLocale made = makeLocale(handle, names);
+    if (made.status != NLS_OK || !Charset{*made.locale->attrib}.comparesViaSjis()) return made;
+    return {makeCompanions(handle, *made.locale, names.charset), made.locale};
+}
+
+}  // namespace
+
 nlsStatus makeCompanions(nlsHandle& handle, nlsLocale& locale, const char* charset) {
     nlsLocale* sjis = &locale;
     if (!sameName(charset, kSjis)) {
@@ -95,22 +112,19 @@ nlsStatus makeCompanions(nlsHandle& handle, nlsLocale& locale, const char* chars
     return findOrCreateConversion(handle, locale, *sjis).status;
 }
 
-}  // namespace
-
 nlsLocale* findLocaleByNames(const nlsHandle& handle, LocaleNames names) {
-    const char* const collation = collationToFind(names.collation);
-    return findOnChain<nlsLocale>(handle, NLS_TAG_LOCALE, [&](const nlsLocale& locale) {
-        return sameName(locale.charsetName, names.charset) && answersTo(locale.collationName, collation) &&
-               answersTo(locale.caseName, names.caseName);
-    });
+    return findOnChainByNames(handle, names, [](const nlsLocale&) { return true; });
 }
 
 CreatedLocale findOrCreateLocale(nlsHandle& handle, LocaleNames names) {
     if (nlsLocale* const known = findLocaleByNames(handle, names)) return {NLS_OK, known};
-    if (handle.busy != 0) return {NLS_BUSY, nullptr};
-    const CreatedLocale made = makeLocale(handle, names);
-    if (made.status != NLS_OK || !Charset{*made.locale->attrib}.comparesViaSjis()) return made;
-    return {makeCompanions(handle, *made.locale, names.charset), made.locale};
+    return createLocale(handle, names);
+}
+
+CreatedLocale findOrCreateLastingLocale(nlsHandle& handle, LocaleNames names) {
+    const auto lasts = [](const nlsLocale& locale) { return locale.dbBlockSize == 0; };
+    if (nlsLocale* const known = findOnChainByNames(handle, names, lasts)) return {NLS_OK, known};
+    return createLocale(handle, names);
 }
 
 }  // namespace nls

@@ -48,6 +48,20 @@ private:
     ByteSpan bytes_;
 };
 
+// What tells a reader how long the table is and where its classes stand, kept as it is by a scope that writes classes:
+// they may overlap it.
+class KeptHead {
+public:
+    explicit KeptHead(ByteSpan table) : place_(table.data()) { std::memcpy(head_, place_, sizeof head_); }
+    ~KeptHead() { std::memcpy(place_, head_, sizeof head_); }
+    KeptHead(const KeptHead&) = delete;
+    KeptHead& operator=(const KeptHead&) = delete;
+
+private:
+    unsigned char* place_;
+    unsigned char head_[offsetof(nlsWbTable, wbFlags)];
+};
+
 unsigned char plainClass(Charset letters, unsigned char byte) {
     if (letters.isLetter(byte)) return kLetter;
     return byte >= '0' && byte <= '9' ? kDigit : kOther;
@@ -129,6 +143,7 @@ nlsStatus completeWordBreakTable(nlsLocale& locale, ByteView data, nlsLocale* ta
     if (!data.empty()) std::memmove(copy.data(), data.data(), data.size());
     if (copy.size() < sizeof(nlsWbTable)) return NLS_OK;
 
+    const KeptHead head{copy};
     const WordBreakTable table{copy};
     const unsigned char kind = table.kind();
     const Charset charset{*locale.attrib};

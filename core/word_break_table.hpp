@@ -3,7 +3,8 @@
 //   0 kind | 1 unread | 2 body size | 4 class offset | 6 flags | … | 256 classes, by byte value, at that offset | …
 //
 // The database gives classes to the bytes that it cares for and leaves the others 0; these get a class by what they
-// are in the charset. Classes that would stand behind the table's end aren't there.
+// are in the charset. Classes that would stand behind the table's end aren't there, and the first six bytes stay as
+// they are, whatever classes would stand there.
 //
 // Tested by tests/core/word_break_test.cpp.
 #pragma once

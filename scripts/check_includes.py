@@ -21,9 +21,9 @@ CLIENT = {"include"}
 ARROWS = {
     "include": set(),
     "core/base": {"include"},
-    "core": {"include", "core/base", "convmap", "collation/user_sort.hpp", "conversion/conv_type.hpp",
-             "icu/collation_name.hpp", "icu/collator.hpp", "icu/control.hpp", "icu/image.hpp", "icu/name_list.hpp",
-             "strings/str_record.hpp"},
+    "core": {"include", "core/base", "convmap", "collation/coll_kind.hpp", "collation/user_sort.hpp",
+             "conversion/conv_type.hpp", "icu/collation_name.hpp", "icu/collator.hpp", "icu/control.hpp",
+             "icu/image.hpp", "icu/name_list.hpp", "strings/str_record.hpp"},
     "convmap": {"include", "core/base", "collation/coll_kind.hpp", "collation/user_sort.hpp", "icu/collation_name.hpp",
                 "icu/collator.hpp", "icu/converter.hpp"},
     "icu": {"include", "core/base", "convmap/conv_table.hpp"},

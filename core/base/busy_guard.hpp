@@ -19,4 +19,16 @@ private:
     nlsHandle& handle_;
 };
 
+// Lifts the mark for a scope inside that of a BusyGuard, for a change that is made like any other.
+class BusyPause {
+public:
+    explicit BusyPause(nlsHandle& handle) : handle_(handle) { handle_.busy = 0; }
+    ~BusyPause() { handle_.busy = 1; }
+    BusyPause(const BusyPause&) = delete;
+    BusyPause& operator=(const BusyPause&) = delete;
+
+private:
+    nlsHandle& handle_;
+};
+
 }  // namespace nls

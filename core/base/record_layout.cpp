@@ -1,6 +1,7 @@
 // The widths and offsets that others store or lay out themselves, held by the compiler.
 #include <cstddef>
 
+#include "nls/dbcollation.h"
 #include "nls/records.h"
 
 #define NLS_AT(record, field, offset) static_assert(offsetof(record, field) == (offset), #record "." #field)
@@ -123,6 +124,17 @@ NLS_AT(nlsUnicodeCaseStruct, casePages, 5976);
 NLS_AT(nlsWbTable, wbBodySize, 2);
 NLS_AT(nlsWbTable, wbClassOffset, 4);
 NLS_AT(nlsWbTable, wbFlags, 6);
+
+static_assert(sizeof(nlsDbCollation) == 112);
+NLS_AT(nlsDbCollation, dbCollation, 20);
+NLS_AT(nlsDbCollation, dbCase, 52);
+NLS_AT(nlsDbCollation, dbCollKind, 72);
+NLS_AT(nlsDbCollation, dbCollSubKind, 76);
+NLS_AT(nlsDbCollation, dbImageSize, 80);
+NLS_AT(nlsDbCollation, dbBlockBase, 84);
+NLS_AT(nlsDbCollation, dbImage, 88);
+NLS_AT(nlsDbCollation, dbWordBreak, 96);
+NLS_AT(nlsDbCollation, dbWordBreakLocale, 104);
 
 static_assert(sizeof(nlsStr) == 16);
 NLS_AT(nlsStr, bufSize, 8);

@@ -140,7 +140,8 @@ NLS_API NLS_CHECKED nlsStatus computeUCCaseTableData(nlsHandle* handle, const vo
           These two go before the others, in charsets of several bytes alone that are UTF-8 or whose wbKind is 9
      1    any other byte
 
-   Classes whose place lies behind the end of the copy aren't there; a copy shorter than 8 bytes is left as it is.
+   Classes whose place lies behind the end of the copy aren't there, nor are those in its first six bytes, which stay as
+   they are; a copy shorter than 8 bytes is left as it is.
 
    target  null, or a locale that text is converted to: the conversion is made; where wbKind is 9 and the conversion is
            by a byte map, each class also goes to the byte that its own becomes

@@ -23,6 +23,9 @@
 /* Which of two texts sorts first, and keys that sort the same way. */
 #include "nls/compare.h"
 
+/* A collation that a database keeps with its data. */
+#include "nls/dbcollation.h"
+
 /* What conversions and comparisons come down to, and what older callers know. An ordinary caller does without. */
 #include "nls/collation_routes.h"
 #include "nls/dbcs_transforms.h"

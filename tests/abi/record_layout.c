@@ -1,5 +1,6 @@
 /* The records of the interface as a C11 compiler lays them out: size of each, offset of every field that others store.
    A record that moved doesn't compile here, whatever C++ says of it. */
+#include <nls/dbcollation.h>
 #include <nls/records.h>
 
 #define SIZE(record, bytes) _Static_assert(sizeof(record) == (bytes), #record " has another size")
@@ -117,6 +118,17 @@ AT(nlsUnicodeCaseStruct, casePages, 5976);
 AT(nlsWbTable, wbBodySize, 2);
 AT(nlsWbTable, wbClassOffset, 4);
 AT(nlsWbTable, wbFlags, 6);
+
+SIZE(nlsDbCollation, 112);
+AT(nlsDbCollation, dbCollation, 20);
+AT(nlsDbCollation, dbCase, 52);
+AT(nlsDbCollation, dbCollKind, 72);
+AT(nlsDbCollation, dbCollSubKind, 76);
+AT(nlsDbCollation, dbImageSize, 80);
+AT(nlsDbCollation, dbBlockBase, 84);
+AT(nlsDbCollation, dbImage, 88);
+AT(nlsDbCollation, dbWordBreak, 96);
+AT(nlsDbCollation, dbWordBreakLocale, 104);
 
 SIZE(nlsStr, 16);
 AT(nlsStr, buf, 0);

@@ -44,6 +44,9 @@ public:
             addCodes(RealFile::shared().conversion(charset, "UTF-8").table, RealFile::shared().table("UTF-8", charset));
     }
 
+    // Those without an excuse.
+    const std::vector<Character>& plain() const { return plain_; }
+
     const Character& any(std::mt19937& random, bool excused) const {
         const auto& from = excused && !excused_.empty() ? excused_ : plain_;
         return from[random() % from.size()];

@@ -1,5 +1,5 @@
-// Every list of the real data file, of the handle and of every charset: the length is that of the text, the text is what
-// a plain walk over the contents gives, and records of each size around it take just what fits.
+// Every list of the real data file, of the handle and of every charset: the length is that of the text, the text is
+// what a plain walk over the contents gives, and records of each size around it take just what fits.
 #include <gtest/gtest.h>
 
 #include <functional>
