@@ -7,6 +7,7 @@
 #include <span>
 
 #include "icu/control.hpp"
+#include "icu/slot_names.hpp"
 
 namespace nls {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 // A path or a name put together from two parts, in front of its NUL.
 class Joined {
 public:
-    static constexpr std::size_t kRoom = 303;
+    static constexpr std::size_t kRoom = kLongestIcuPath + 1;
 
     // Does it fit, its NUL included?
     bool set(const char* first, const char* second) {
@@ -29,22 +30,6 @@ public:
 private:
     char text_[kRoom];
 };
-
-struct NamedSlot {
-    unsigned slot;
-    const char* name;
-};
-constexpr NamedSlot kConversionSide[] = {
-    {0, "ucnv_open"},           {1, "ucnv_close"},      {2, "ucnv_fromUnicode"}, {3, "ucnv_toUnicode"},
-    {4, "ucnv_fromUChars"},     {5, "ucnv_toUChars"},   {6, "ucnv_reset"},       {7, "ucnv_resetFromUnicode"},
-    {8, "ucnv_resetToUnicode"}, {9, "ucnv_flushCache"},
-};
-constexpr NamedSlot kCollationSide[] = {
-    {18, "ucol_open"},         {20, "ucol_getRules"}, {22, "ucol_getSortKey"},
-    {23, "ucol_setStrength"},  {24, "ucol_strcoll"},  {25, "ucol_countAvailable"},
-    {26, "ucol_getAvailable"}, {27, "ucol_close"},    {28, "ucol_getVersion"},
-};
-constexpr NamedSlot kUcaVersion[] = {{29, "ucol_getUCAVersion"}};
 
 // The directory in front of a build's file names. A variable that is empty counts; a process that runs with more rights
 // than its caller doesn't listen to either.

@@ -33,7 +33,8 @@ ARROWS = {
                   "icu/icu_compare.hpp", "icu/icu_key.hpp"},
     "strings": {"include", "core/base", "chars", "collation", "conversion", "convmap/case_pages.hpp"},
     "tools/mkconvmap": CLIENT | {"core/base", "convmap", "collation/coll_kind.hpp"},
-    "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base"},
+    "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base", "icu/packaging.hpp",
+                           "icu/slot_names.hpp"},
     "bench": CLIENT | {"core/base/cpu.hpp", "tests/support"},
     "fuzz": CLIENT | {"core/base", "tests/support"},
     "tests/support": set(),  # a folder of its own for those who may include it; itself it looks into everything

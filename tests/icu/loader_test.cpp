@@ -308,6 +308,37 @@ TEST(Loader, FailuresArriveAsEachRouteTellsThem) {
     });
 }
 
+// A collation that fails stays on the handle's list, and is nobody's: the next request makes another.
+TEST(Loader, ACollationThatFailedStaysOnTheList) {
+    inProcessOfItsOwn("the files appear later", [] {
+        const Folder folder;
+        useFolder(folder.name().c_str());
+        folder.remove(0, kI18nLibrary);
+        test::IcuWorld world;
+        nlsLocale *failed = nullptr, *locale = nullptr;
+        EXPECT_EQ(world.create("ICU-sv", failed), NLS_NO_MEM);
+        EXPECT_EQ(world.create("ICU-sv", failed), NLS_NO_MEM);
+        folder.restore(0, kI18nLibrary);
+        EXPECT_EQ(world.create("ICU-xx", failed), NLS_NO_MEM) << "ICU doesn't know it";
+        EXPECT_EQ(failed, nullptr);
+        ASSERT_EQ(world.create("ICU-sv", locale), NLS_OK);
+        const struct {
+            const char* name;
+            int32_t kind;
+        } rows[] = {{"ICU-sv", 5}, {"ICU-xx", -2}, {"ICU-sv", -2}, {"ICU-sv", -2}};
+        const nlsCollStruct* coll = locale->coll;
+        for (const auto& row : rows) {
+            ASSERT_NE(coll, nullptr) << row.kind;
+            EXPECT_STREQ(coll->collName, row.name);
+            EXPECT_EQ(coll->collKind, row.kind);
+            EXPECT_STREQ(coll->collCharset, "UTF-8");
+            coll = coll->nextColl;
+        }
+        EXPECT_EQ(coll, nullptr);
+        EXPECT_EQ(test::compare(locale, nullptr, "z", "å", 1), -1);
+    });
+}
+
 TEST(Loader, TellsWhyALibraryCantBeHad) {
     uint32_t status = 77;
     const char* why = nullptr;

@@ -54,7 +54,8 @@ private:
 
 using Words = std::vector<std::string>;
 
-// Starts `program` with the descriptors given as its standard three; the environment knows of no data file.
+// Starts `program` with the descriptors given as its standard three; the environment knows of no data file
+// and of no ICU.
 inline pid_t start(const std::string& program, const Words& words, int in, int out, int err,
                    const Words& environment = {}) {
     const pid_t child = fork();
@@ -64,6 +65,7 @@ inline pid_t start(const std::string& program, const Words& words, int in, int o
     dup2(err, 2);
     unsetenv("ZELCONV");
     unsetenv("QRD");
+    unsetenv("BINPATHX");
     for (const std::string& entry : environment) putenv(const_cast<char*>(entry.c_str()));
     std::vector<char*> arguments{const_cast<char*>(program.c_str())};
     for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));

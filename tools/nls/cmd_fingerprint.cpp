@@ -1,4 +1,5 @@
 #include "tools/nls/commands.hpp"
+#include "tools/nls/icu_install.hpp"
 #include "tools/nls/json.hpp"
 #include "tools/nls/order_print.hpp"
 
@@ -8,8 +9,20 @@ namespace {
 void addToJson(JsonWriter& json, const Order& order, const std::string& print) {
     json.open('{').member("order", std::string_view(order.name())).member("fingerprint", std::string_view(print));
     json.member("kind", int64_t{order.collation().collKind}).member("subKind", uint64_t{order.collation().collSubKind});
+    if (order.kind() == OrderKind::icu) {
+        const IcuVersions versions = icuVersionsOf(order.collation().exactMap);
+        json.member("collatorVersion", std::string_view(versions.collator));
+        json.member("ucaVersion", std::string_view(versions.uca));
+    }
     json.member("caseTable", std::string_view(order.locale()->caseName)).member("viaShiftJis", order.isBridged());
     json.close('}');
+}
+
+// Behind the name, so that one sees which of them has changed.
+std::string versionsOf(const Order& order) {
+    if (order.kind() != OrderKind::icu) return {};
+    const IcuVersions versions = icuVersionsOf(order.collation().exactMap);
+    return "  collator " + versions.collator + ", UCA " + versions.uca;
 }
 
 Exit fingerprint(const Common& common, const std::vector<std::string>& names) {
@@ -22,7 +35,7 @@ Exit fingerprint(const Common& common, const std::vector<std::string>& names) {
         const Order order{session, name, Fold::exact};
         const std::string print = fingerprintOf(order);
         addToJson(json, order, print);
-        lines += print + "  " + order.name() + "\n";
+        lines += print + "  " + order.name() + versionsOf(order) + "\n";
     }
     json.close(']').close('}');
     print(common.json ? json.text() + "\n" : lines);
@@ -38,7 +51,11 @@ void addFingerprint(CLI::App& app, const Common& common, Run& run) {
     command->footer(
         "Two hosts whose prints are the same sort the same way, exactly and folded: an index that one has built is in "
         "order for the other. The digest is SHA-256 over the collation's kind and maps, the charset's way of forming "
-        "characters, and where they take part the case table and the conversion to Shift-JIS.\n"
+        "characters, and where they take part the case table and the conversion to Shift-JIS. Of ICU's collations the "
+        "versions of "
+        "collator and UCA take the place of the maps, and are shown: another ICU, another print. The base build "
+        "doesn't "
+        "tell its UCA, and counts as 3.1.1.0.\n"
         "\n"
         "Examples:\n"
         "  nls fingerprint 1252/swedish\n"

@@ -40,12 +40,17 @@ private:
             const bool hasEnd = end_.isEnd(line->back());
             key_.clear();
             if (!librarySortKey(order_, line->first(line->size() - (hasEnd ? 1 : 0)), true, source_, key_)) {
-                throw Failure(Exit::badInput, input.name() + ":" + std::to_string(reader.lineNumber()) +
-                                                  ": the key of this line is longer than 32 KiB, more than the library "
-                                                  "can tell");
+                throw Failure(Exit::badInput,
+                              input.name() + ":" + std::to_string(reader.lineNumber()) + ": " + whyNoKey());
             }
             options_.hex ? writeHex() : writeBytes();
         }
+    }
+
+    const char* whyNoKey() const {
+        return order_.kind() == OrderKind::icu
+                   ? "this line has no key: through ICU a text of at most 399 units of UTF-16 has one"
+                   : "the key of this line is longer than 32 KiB, more than the library can tell";
     }
 
     void writeBytes() {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "tools/nls/commands.hpp"
+#include "tools/nls/icu_install.hpp"
 #include "tools/nls/json.hpp"
 #include "tools/nls/session.hpp"
 
@@ -55,17 +56,29 @@ void printJson(const Session& session, const std::vector<Listed>& charsets) {
     print(json.text() + "\n");
 }
 
-// CHARSET/COLLATION, as `-l` takes it.
-Exit listCollations(const Common& common) {
+std::vector<std::string> collationsOf(const Session& session) {
     constexpr uint16_t collationEntry = 4;
+    std::vector<std::string> names;
+    for (const nlsTocEntry& entry : session.contents()) {
+        if (entry.entryType == collationEntry) names.push_back(std::string(entry.name1) + "/" + entry.name2);
+    }
+    return names;
+}
+
+std::vector<std::string> collationsOfIcu() {
+    std::vector<std::string> names = icuNames();
+    for (std::string& name : names) name.insert(0, "UTF-8/");
+    return names;
+}
+
+// CHARSET/COLLATION, as `-l` takes it.
+Exit listCollations(const Common& common, bool ofIcu) {
     const Session session{findDataFile(common.dataFile)};
     JsonWriter json;
     json.open('{').member("command", "list").member("dataFile", std::string_view(session.dataFile()));
     json.key("collations").open('[');
     std::string lines;
-    for (const nlsTocEntry& entry : session.contents()) {
-        if (entry.entryType != collationEntry) continue;
-        const std::string name = std::string(entry.name1) + "/" + entry.name2;
+    for (const std::string& name : ofIcu ? collationsOfIcu() : collationsOf(session)) {
         json.value(std::string_view(name));
         lines += name + "\n";
     }
@@ -89,14 +102,22 @@ Exit listCharsets(const Common& common) {
 
 void addList(CLI::App& app, const Common& common, Run& run) {
     CLI::App* const command = app.add_subcommand("list", "list the charsets of the data file");
-    auto collations = std::make_shared<bool>(false);
-    command->add_flag("--collations", *collations, "list the collations instead, as CHARSET/COLLATION");
+    struct Options {
+        bool collations = false, icu = false;
+    };
+    auto options = std::make_shared<Options>();
+    CLI::Option* const collations =
+        command->add_flag("--collations", options->collations, "list the collations instead, as CHARSET/COLLATION");
+    command->add_flag("--icu", options->icu, "list ICU's collations instead, whether ICU can be loaded or not")
+        ->excludes(collations);
     command->footer(
         "A single-byte charset also has, by derivation, the collations of charsets from which the file has a byte map "
         "to "
         "it.\n");
-    command->callback([&common, &run, collations] {
-        run = [&common, collations] { return *collations ? listCollations(common) : listCharsets(common); };
+    command->callback([&common, &run, options] {
+        run = [&common, options] {
+            return options->collations || options->icu ? listCollations(common, options->icu) : listCharsets(common);
+        };
     });
 }
 

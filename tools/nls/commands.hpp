@@ -32,6 +32,7 @@ void addLower(CLI::App& app, const Common& common, Run& run);
 void addFingerprint(CLI::App& app, const Common& common, Run& run);
 void addList(CLI::App& app, const Common& common, Run& run);
 void addShow(CLI::App& app, const Common& common, Run& run);
+void addDoctor(CLI::App& app, const Common& common, Run& run);
 void addDump(CLI::App& app, const Common& common, Run& run);
 
 // The list of charsets, which `convert -l` shows as well.

@@ -26,15 +26,19 @@ bool isThere(const fs::path& path) {
 
 // Where share/nls/convmap.cp lies seen from this program: installed as bin/nls, or built as tools/nls/nls.
 std::vector<fs::path> besideProgram() {
-    std::error_code failed;
-    const fs::path program = fs::read_symlink("/proc/self/exe", failed);
-    if (failed) return {};
-    const fs::path folder = program.parent_path();
+    const fs::path folder = programFolder();
+    if (folder.empty()) return {};
     return {(folder / "../share/nls/convmap.cp").lexically_normal(),
             (folder / "../../share/nls/convmap.cp").lexically_normal()};
 }
 
 }  // namespace
+
+fs::path programFolder() {
+    std::error_code failed;
+    const fs::path program = fs::read_symlink("/proc/self/exe", failed);
+    return failed ? fs::path{} : program.parent_path();
+}
 
 std::string findDataFile(const std::string& given) {
     if (!given.empty()) return given;

@@ -2,9 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace nls::tool {
+
+// Where this program's file stands; empty if the system doesn't tell.
+std::filesystem::path programFolder();
 
 // The data file to use: `given` if it isn't empty; else the file that the environment's ZELCONV names; else convmap.cp
 // in the directory that QRD names, if it is there; else the one of this program's own installation or build. Throws

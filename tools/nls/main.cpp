@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/nls/commands.hpp"
+#include "tools/nls/icu_install.hpp"
 #include "tools/nls/json.hpp"
 #include "tools/nls/nearest_names.hpp"
 
@@ -35,6 +36,8 @@ constexpr const char* footer =
     "  nls count -f EUCJIS in.txt                   bytes, characters, columns\n"
     "  nls find -l 1252/german --fold text in.txt   lines with a text, by a collation\n"
     "  nls sort -l 1252/swedish names.txt           lines in the order of a collation\n"
+    "  nls sort -l UTF-8/ICU-sv names.txt           the same through ICU\n"
+    "  nls doctor                                   what nls has found here, and what it misses\n"
     "\n"
     "Exit codes: 0 done, 1 bad input, of find and like nothing found, 2 usage or unknown name, 3 done with loss, 4 "
     "file trouble.\n"
@@ -48,7 +51,7 @@ void addCommands(CLI::App& app, Common& common, Run& run) {
     app.require_subcommand(1);
     app.fallthrough();
     for (const auto add : {&addConvert, &addCheck, &addCount, &addFind, &addLike, &addCut, &addSort, &addCompare,
-                           &addKey, &addUpper, &addLower, &addFingerprint, &addList, &addShow, &addDump}) {
+                           &addKey, &addUpper, &addLower, &addFingerprint, &addList, &addShow, &addDump, &addDoctor}) {
         add(app, common, run);
     }
 }
@@ -78,7 +81,7 @@ std::vector<std::string> withCommand(const CLI::App& app, std::vector<std::strin
         throw Failure(
             Exit::usage,
             "say what to do: convert, check, count, find, like, cut, sort, compare, key, upper, lower, fingerprint, "
-            "list, show or dump; see nls --help");
+            "list, show, dump or doctor; see nls --help");
     }
     if (words[place].size() < 2 || words[place][0] != '-') {
         refuseUnknown(app, words[place]);
@@ -107,6 +110,7 @@ Exit fail(const Common& common, Exit code, const std::string& what) {
 }
 
 Exit runCommandLine(std::vector<std::string> words) {
+    useOwnPacks();
     Common common;
     Run run;
     CLI::App app{help, "nls"};

@@ -1,6 +1,9 @@
 #include "tools/nls/order.hpp"
 
+#include <cstdio>
+
 #include "tools/nls/failure.hpp"
+#include "tools/nls/icu_install.hpp"
 #include "tools/nls/order_name.hpp"
 
 namespace nls::tool {
@@ -27,6 +30,15 @@ Order::Order(Session& session, const std::string& name, Fold fold)
       locale_(findLocale(session, charset_, parseOrderName(name))),
       name_(charset_.name() + "/" + collation().collName) {
     tryIt();
+    if (kind() == OrderKind::icu) tellFallback();
+}
+
+void Order::tellFallback() const {
+    const char* const collation = locale_->collationName;
+    if (judgeIcuName(collation).kind != IcuVerdict::Kind::opensByFallback) return;
+    std::fprintf(stderr,
+                 "nls: note: %s has no order of its own in ICU, which takes the nearest, often the root order\n",
+                 collation);
 }
 
 // The library tells by its status what it can't compare by.
@@ -43,6 +55,8 @@ OrderKind Order::kind() const {
             return OrderKind::unicode;
         case 4:
             return OrderKind::thai;
+        case 5:
+            return OrderKind::icu;
         default:
             return OrderKind::bytes;
     }
@@ -50,14 +64,15 @@ OrderKind Order::kind() const {
 
 int Order::compare(ByteView a, ByteView b) const {
     static constexpr unsigned char nothing[] = {0};
-    uint16_t result = 0;
+    static constexpr uint16_t noAnswer = 0x5555;  // stays where ICU can't convert a text
+    uint16_t result = noAnswer;
     const nlsStatus status =
         nlsCompareN(locale_, nullptr, a.empty() ? nothing : a.data(), b.empty() ? nothing : b.data(),
                     static_cast<int32_t>(a.size()), static_cast<int32_t>(b.size()), mode(), &result);
-    if (status == NLS_BAD_COLLATION) throw Failure(Exit::usage, name_ + " wants ICU, which this library doesn't bind");
     if (status != NLS_OK) {
         throw Failure(Exit::fileTrouble, name_ + " can't be compared by (status " + std::to_string(status) + ")");
     }
+    if (result == noAnswer) throw Failure(Exit::fileTrouble, name_ + ": ICU can't convert a text");
     const auto sign = static_cast<int16_t>(result);
     return (sign > 0 ? 1 : 0) - (sign < 0 ? 1 : 0);
 }

@@ -1,4 +1,4 @@
-// The order that a collation of the data file gives to texts of its charset.
+// The order that a collation of the data file, or of ICU's, gives to texts of its charset.
 // Tested by tests/tools/nls_sort_test.cpp.
 #pragma once
 
@@ -12,12 +12,13 @@ namespace nls::tool {
 enum class Fold : uint16_t { folded = 0, exact = 1 };
 
 // Values of nlsCollStruct.collKind.
-enum class OrderKind : int32_t { bytes = 1, site = 2, unicode = 3, thai = 4 };
+enum class OrderKind : int32_t { bytes = 1, site = 2, unicode = 3, thai = 4, icu = 5 };
 
 class Order {
 public:
     // `name` is CHARSET/COLLATION or CHARSET/COLLATION/CASETABLE; the collation left out is "basic". UTF-8 folds by the
-    // case table "basic" unless another is named. Throws where the file doesn't have it, or can't compare by it.
+    // case table "basic" unless another is named. Throws where the file doesn't have it, or can't compare by it. Tells
+    // on the standard error where ICU takes another collation than the one named.
     Order(Session& session, const std::string& name, Fold fold);
 
     // -1, 0 or 1. REQUIRES: less than 2^31 bytes each. A site's own sort may want the byte behind a text for its NUL.
@@ -40,6 +41,7 @@ public:
 
 private:
     void tryIt() const;
+    void tellFallback() const;
 
     TextCharset charset_;
     Fold fold_;

@@ -31,6 +31,9 @@ bool librarySortKey(const Order& order, ByteView text, bool trim, ByteBuffer& so
             throw Failure(Exit::fileTrouble,
                           order.name() + " makes no key of a text (status " + std::to_string(status) + ")");
         }
+        // ICU's route tells what fails by an empty key, which no text but the empty one has.
+        if (status == NLS_OK && length == 0 && order.kind() == OrderKind::icu && !order.trimmed(text).empty())
+            return false;
         if (status == NLS_OK && length + spare < size) {
             key.grow(length);
             return true;
@@ -45,7 +48,7 @@ KeyMaker::KeyMaker(const Order& order) : order_(order) {
 
 void KeyMaker::judge() {
     if (order_.kind() == OrderKind::bytes) judgeBytes();
-    if (order_.kind() == OrderKind::unicode) usable_ = true;
+    if (order_.kind() == OrderKind::unicode || order_.kind() == OrderKind::icu) usable_ = true;
 }
 
 void KeyMaker::judgeBytes() {

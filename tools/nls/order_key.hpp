@@ -2,8 +2,9 @@
 //
 // Byte tables give such keys, but for a byte that is both an expansion and a first byte, and for the basic table with
 // an expansion where "s" doesn't weigh 0x53. Through Shift-JIS texts count whose characters convert one by one to what
-// the comparison takes them for. By code points all texts count exactly, and well-formed ones folded. Thai keys and
-// those of a site's own sort follow rules of their own: there nothing counts.
+// the comparison takes them for. By code points all texts count exactly, and well-formed ones folded. ICU's keys are
+// its comparison's, for the texts that have one. Thai keys and those of a site's own sort follow rules of their own:
+// there nothing counts.
 #pragma once
 
 #include <bitset>
@@ -34,7 +35,7 @@ private:
 };
 
 // The library's key of a text into `key`, appended without its NUL; `trim` as the library takes it. False where the key
-// doesn't fit the longest that the library can make.
+// doesn't fit the longest that the library can make, and where a text is too long for a key of ICU's.
 bool librarySortKey(const Order& order, ByteView text, bool trim, ByteBuffer& source, ByteBuffer& key);
 
 }  // namespace nls::tool

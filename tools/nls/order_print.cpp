@@ -1,5 +1,7 @@
 #include "tools/nls/order_print.hpp"
 
+#include <cstring>
+
 #include "tools/nls/failure.hpp"
 #include "tools/nls/sha256.hpp"
 
@@ -67,6 +69,30 @@ void addBridge(Sha256& digest, const Order& order) {
     }
 }
 
+void addText(Sha256& digest, const char* text) {
+    digest.add({reinterpret_cast<const unsigned char*>(text), std::strlen(text) + 1});
+}
+
+// The maps of a collation of ICU's also hold a pointer, and as much of the locale as fits.
+void addIcu(Sha256& digest, const nlsCollStruct& collation) {
+    constexpr std::size_t versions = 16, strength = 48, ofVersions = 8;
+    for (const unsigned char* const map : {collation.exactMap, collation.foldMap}) {
+        digest.add({map + versions, ofVersions});
+        addText(digest, reinterpret_cast<const char*>(map + strength));
+    }
+    const nlsIcuInfo* info = nullptr;
+    std::memcpy(&info, collation.exactMap, sizeof info);
+    addText(digest, info->versionText);
+    addText(digest, info->icuLocale);
+}
+
+void addMaps(Sha256& digest, const Order& order) {
+    const nlsCollStruct& collation = order.collation();
+    if (order.kind() == OrderKind::icu) return addIcu(digest, collation);
+    digest.add(collation.exactMap);
+    digest.add(collation.foldMap);
+}
+
 }  // namespace
 
 std::string fingerprintOf(const Order& order) {
@@ -81,8 +107,7 @@ std::string fingerprintOf(const Order& order) {
     addNumber(digest, NLS_ORDER_VERSION);
     addNumber(digest, static_cast<uint32_t>(collation.collKind));
     addNumber(digest, collation.collSubKind);
-    digest.add(collation.exactMap);
-    digest.add(collation.foldMap);
+    addMaps(digest, order);
     addNumber(digest, static_cast<uint32_t>(order.attrib().flags) & deciding);
     addTrailCounts(digest, order.attrib());
     if (order.kind() == OrderKind::unicode) addCaseTable(digest, *order.locale());

@@ -9,6 +9,10 @@
 //      is a character alone, and for each first byte with each other byte behind it, how many bytes it converts to (0
 //      for none) and the two bytes
 // Names are no part of it: the same tables under another name have the same print.
+//
+// ICU's order is in no table of ours. There the maps give way to what identifies it: for each of them the versions of
+// collator and UCA and the words of the strength, as they stand in it; then the build's key and the locale, each with a
+// NUL.
 #pragma once
 
 #include <string>

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/nls/failure.hpp"
+#include "tools/nls/icu_install.hpp"
 #include "tools/nls/nearest_names.hpp"
 
 namespace nls::tool {
@@ -54,13 +55,17 @@ template <typename Create>
 nlsStatus Session::withRoom(Create create, nlsStatus full) {
     nlsStatus status = create();
     for (std::size_t size = smallestBlock; status == full && size <= largestBlock; size *= 2) {
-        buffers_.push_back(std::make_unique<uint64_t[]>(size / sizeof(uint64_t)));
-        earlierBuffers_ += bufferSize_ - handle_->freeBytes;
-        bufferSize_ = size;
-        if (nlsAddBuffer(handle_, buffers_.back().get(), static_cast<int32_t>(size)) != NLS_OK) break;
+        if (!addBuffer(size)) break;
         status = create();
     }
     return status;
+}
+
+bool Session::addBuffer(std::size_t size) {
+    buffers_.push_back(std::make_unique<uint64_t[]>(size / sizeof(uint64_t)));
+    earlierBuffers_ += bufferSize_ - handle_->freeBytes;
+    bufferSize_ = size;
+    return nlsAddBuffer(handle_, buffers_.back().get(), static_cast<int32_t>(size)) == NLS_OK;
 }
 
 std::vector<nlsTocEntry> Session::contents() const {
@@ -93,6 +98,7 @@ nlsLocale* Session::locale(const std::string& charset) {
 nlsLocale* Session::locale(const std::string& charset, const std::string& collation, const std::string& caseName) {
     nlsLocale* const plain = locale(charset);
     if (collation.empty() && caseName.empty()) return plain;
+    if (isIcuName(collation)) return icuLocale(*plain, collation, caseName);
     nlsLocale* made = nullptr;
     const char* const collationName = collation.empty() ? NLS_NO_COLLATION : collation.c_str();
     const nlsStatus status = withRoom(
@@ -103,6 +109,38 @@ nlsLocale* Session::locale(const std::string& charset, const std::string& collat
         NLS_NO_MEM);
     if (status != NLS_OK) refuseLocale(status, plain->charsetName, collation, caseName);
     return made;
+}
+
+// Its NLS_NO_MEM also says that ICU can't be had. So there is room before it is asked.
+nlsLocale* Session::icuLocale(const nlsLocale& plain, const std::string& collation, const std::string& caseName) {
+    constexpr uint32_t plenty = 4096;
+    if ((plain.attrib->flags & NLS_CHARSET_UTF8) == 0) {
+        throw Failure(Exit::usage, std::string(plain.charsetName) + " has no collation \"" + collation +
+                                       "\": ICU's are for UTF-8 alone; convert the text first");
+    }
+    if (!caseName.empty()) locale(plain.charsetName, "", caseName);
+    if (handle_->freeBytes < plenty) addBuffer(smallestBlock);
+    nlsLocale* made = nullptr;
+    const nlsStatus status = nlsCreateLocale(handle_, plain.charsetName, collation.c_str(),
+                                             caseName.empty() ? nullptr : caseName.c_str(), &made);
+    if (status == NLS_NO_MEM || status == NLS_NO_COLL_TABLE) refuseIcu(plain.charsetName, collation);
+    if (status != NLS_OK) refuseLocale(status, plain.charsetName, collation, caseName);
+    return made;
+}
+
+void Session::refuseIcu(const std::string& charset, const std::string& collation) const {
+    const IcuVerdict verdict = judgeIcuName(collation);
+    if (verdict.kind == IcuVerdict::Kind::unknownName) {
+        throw Failure(Exit::usage, "ICU knows no collation \"" + collation + "\"" +
+                                       nearestNamesHint(collation, icuNames()) + "; nls list --icu shows all");
+    }
+    if (verdict.kind == IcuVerdict::Kind::notLoaded) {
+        const IcuFolder folder = icuFolder();
+        throw Failure(Exit::fileTrouble, charset + "/" + collation + " wants ICU, which can't be loaded: " +
+                                             verdict.reason + " (" + folder.source + "); nls doctor tells more");
+    }
+    throw Failure(Exit::fileTrouble, charset + "/" + collation + " can't be opened: " +
+                                         (verdict.opened() ? "not enough memory" : verdict.reason));
 }
 
 void Session::refuseLocale(nlsStatus status, const std::string& charset, const std::string& collation,
@@ -125,6 +163,7 @@ void Session::refuseLocale(nlsStatus status, const std::string& charset, const s
 void Session::refuseCollation(const std::string& charset, const std::string& collation) const {
     const std::vector<std::string> own = namesOf(collationEntry, charset);
     std::string hint = nearestNamesHint(collation, own);
+    if (hint.empty() && nlsStbcmp(charset.c_str(), "UTF-8") == 0) hint = nearestNamesHint(collation, icuNames());
     if (hint.empty()) {
         for (const std::string& name : own) hint += (hint.empty() ? " (it has " : ", ") + name;
         if (!hint.empty()) hint += ")";

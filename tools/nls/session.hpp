@@ -30,7 +30,8 @@ public:
     // names.
     nlsLocale* locale(const std::string& charset);
     // A locale with a collation and, unless `caseName` is empty, a case table; an empty `collation` is none. Unknown
-    // names are usage failures with the nearest names.
+    // names are usage failures with the nearest names. So are collations that ICU doesn't know; where ICU can't be had,
+    // that is trouble with a file.
     nlsLocale* locale(const std::string& charset, const std::string& collation, const std::string& caseName);
     // Whether the file has that case table for the charset.
     bool hasCaseTable(const std::string& charset, const std::string& caseName) const;
@@ -47,6 +48,9 @@ private:
     [[noreturn]] void refuseCollation(const std::string& charset, const std::string& collation) const;
     [[noreturn]] void refuseLocale(nlsStatus status, const std::string& charset, const std::string& collation,
                                    const std::string& caseName) const;
+    bool addBuffer(std::size_t size);
+    nlsLocale* icuLocale(const nlsLocale& plain, const std::string& collation, const std::string& caseName);
+    [[noreturn]] void refuseIcu(const std::string& charset, const std::string& collation) const;
     // Calls `create` again with a further, larger buffer as long as it answers `full`.
     template <typename Create>
     nlsStatus withRoom(Create create, nlsStatus full);
