@@ -1,6 +1,7 @@
 #include "icu/pivot_overlap.hpp"
 
 #include <algorithm>
+#include <climits>
 
 #include "icu/control.hpp"
 
@@ -17,6 +18,8 @@ bool isLowSurrogate(IcuUnit unit) {
 bool isPair(IcuUnit first, IcuUnit second) {
     return isHighSurrogate(first) && isLowSurrogate(second);
 }
+
+constexpr std::size_t kMostBytesOfUnit = 16;  // of any converter
 
 class CharsetOutput {
 public:
@@ -61,7 +64,38 @@ public:
         });
     }
 
+    // Some charsets with states have a header, which is written before a unit is read.
+    bool headerOverruns() const {
+        constexpr IcuUnit kPlain = u'a';
+        return lengthOf(&kPlain, 1) > free_ + 1;
+    }
+
+    // ICU writes Latin-1 and ASCII sixteen bytes at a time, and only then looks whether all of them stand for their
+    // units; if not it reads the sixteen once more. Behind the first sixteen the output is far enough from the units.
+    bool groupOverruns(const IcuUnit* units, std::size_t count) const {
+        constexpr std::size_t kGroup = 16;
+        if (count < kGroup || free_ >= kGroup) return false;
+        const auto isWithout = [this](IcuUnit unit) { return byteOf(unit) != unit; };
+        return std::any_of(units, units + kGroup, isWithout) && isLatin();
+    }
+
 private:
+    // The byte of a unit; more than any byte where it takes several.
+    unsigned byteOf(IcuUnit unit) const {
+        unsigned char bytes[kMostBytesOfUnit];
+        IcuStatus status = kIcuOk;
+        const int32_t length = convFuncs().ucnv_fromUChars(converter_, bytes, sizeof bytes, &unit, 1, &status);
+        return length == 1 ? bytes[0] : UINT_MAX;
+    }
+    // Latin-1 or ASCII, told from the charsets that share half of it by a letter or a sign of each.
+    bool isLatin() const {
+        constexpr unsigned kSubstitute = 0x1A;
+        constexpr IcuUnit kOthers[] = {u'\u20AC', u'\u0101', u'\u0151', u'\u015F', u'\u0127', u'\u1E81', u'\u021B',
+                                       u'\u03B1', u'\u044F', u'\u05D0', u'\u0628', u'\u0E01', u'\u0192', u'\u2550'};
+        const auto isMissing = [this](IcuUnit unit) { return byteOf(unit) == kSubstitute; };
+        return byteOf(u'a') == 'a' && (byteOf(u'\u00E9') == 0xE9 || isMissing(u'\u00E9')) &&
+               std::ranges::all_of(kOthers, isMissing);
+    }
     // Where to part a text, not inside a pair; its start if it can't be.
     static std::size_t middle(const IcuUnit* units, std::size_t from, std::size_t to) {
         std::size_t half = from + (to - from) / 2;
@@ -100,9 +134,11 @@ bool utf8OverrunsPivot(const IcuUnit* units, std::size_t count, std::size_t free
 
 bool charsetOverrunsPivot(IcuConverter* converter, const IcuUnit* units, std::size_t count, std::size_t free) {
     CharsetOutput output{converter, free};
+    if (output.groupOverruns(units, count)) return true;
     const std::size_t whole = output.lengthOf(units, count);
     if (whole <= free) return false;
-    return output.hasStates() ? output.prefixesOverrun(units, 0, count, whole) : output.partsOverrun(units, count);
+    if (!output.hasStates()) return output.partsOverrun(units, count);
+    return output.headerOverruns() || output.prefixesOverrun(units, 0, count, whole);
 }
 
 }  // namespace nls

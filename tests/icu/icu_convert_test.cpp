@@ -282,6 +282,34 @@ TEST(IcuConvert, RefusesOtherTables) {
     EXPECT_EQ(length, kUntold);
 }
 
+// Converters that write ahead of what they have read: a header, or sixteen bytes that are taken back where one of them
+// has no unit. What can't be had is refused; no other text is, whatever stands in it.
+TEST(IcuConvert, FromUtf8NeverWrongWhereIcuWritesAhead) {
+    const std::u16string plain(40, u'a'), russian(40, u'Д'), french = u"déjà vu" + plain, fifteen(15, u'日');
+    const struct {
+        const char* charset;
+        std::u16string text;
+        std::size_t least;  // room in front of the pivot
+    } rows[] = {{"ISO-8859-1", plain, 0},     {"ISO-8859-1", french, 0},          {"ISO-8859-1", fifteen, 0},
+                {"ISO-8859-1", russian, 16},  {"ISO-8859-1", fifteen + u'a', 16}, {"US-ASCII", plain, 0},
+                {"US-ASCII", french, 16},     {"ISO-8859-1", plain + u'日', 0},   {"windows-1251", russian, 0},
+                {"windows-1252", russian, 0}, {"ISO-2022-KR", plain, 4},          {"ISO-2022-KR", u"a", 4}};
+    for (const auto& row : rows) {
+        const Tables tables{row.charset};
+        const std::string bytes = test::peer::Converter{"UTF-8"}.encode(row.text);
+        const std::string expected = test::peer::Converter{row.charset}.encode(row.text);
+        const Source source{bytes + '\0', false};
+        test::GuardedBuffer target{2 * bytes.size() + 32};
+        for (std::size_t room = 0; room < 30; room += 2) {  // the pivot begins at an even address, as the target ends
+            const std::size_t size = 2 * bytes.size() + 2 + std::max<std::size_t>(room, 1);
+            const Answer want = room >= row.least ? Answer{NLS_OK, static_cast<uint32_t>(expected.size()), expected}
+                                                  : Answer{NLS_BUF_SMALL, kUntold, {}};
+            EXPECT_EQ(convertInto(target, size, tables.of(kToCharset | kUtf8Source), source, bytes.size()), want)
+                << row.charset << " " << bytes << " with " << room;
+        }
+    }
+}
+
 // The text between the steps gets the NUL that ICU wants, in the room that is left: no more of it than that.
 TEST(IcuConvert, AsTheSecondOfTwoSteps) {
     const Tables tables{"ISO-8859-5"};
