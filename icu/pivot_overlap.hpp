@@ -1,8 +1,8 @@
 // Whether a text on its way out of the pivot would run over units of the pivot that haven't been read.
 //
 // Both lie in one buffer: the output grows from its start, the pivot of `count` units begins `free` bytes behind. With
-// k units read and n bytes written, n must not exceed free + 2k. Some converters of ICU's write before they read, or read
-// again what they have written for: those are held to more. Tested by tests/icu/icu_convert_test.cpp.
+// k units read and n bytes written, n must not exceed free + 2k. Some converters of ICU's write before they read, or
+// read again what they have written for: those are held to more. Tested by tests/icu/icu_convert_test.cpp.
 #pragma once
 
 #include <cstddef>
