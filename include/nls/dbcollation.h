@@ -98,8 +98,8 @@ NLS_API NLS_CHECKED nlsStatus nlsLocaleToDbCollation(const nlsLocale* locale, in
    NLS_NO_COLL_TABLE    a name that asks for no build of ICU; of kind 5, one so long that the text reaches into what is
                         kept of it; a site's own sort that doesn't open; a companion's collation
    NLS_NO_MEM           ICU can't be loaded or refuses the locale; or the arena is used up: add a buffer, call again
-   and what nlsCreateLocale answers for the charset and for companions, and getWbTable for the table. After a failure the
-   block is the caller's as before; what was made in the arena stays there. */
+   and what nlsCreateLocale answers for the charset and for companions, and getWbTable for the table. After a failure
+   the block is the caller's as before; what was made in the arena stays there. */
 NLS_API NLS_CHECKED nlsStatus nlsDbCollationToLocale(nlsHandle* handle, const nlsDbCollation* rec,
                                                      const unsigned char* dbCollationName, uint32_t* size, void* block,
                                                      nlsLocale** locale);
