@@ -103,37 +103,30 @@ private:
     ByteBuffer target_;
 };
 
-void addCase(CLI::App& app, const Common& common, Run& run, Case wanted, const char* name, const char* what,
+void addCase(const Command& program, const Common& common, Case wanted, const char* name, const char* what,
              const char* examples) {
-    CLI::App* const command = app.add_subcommand(name, what);
+    Command command = program.add(name, what);
     auto options = std::make_shared<Options>();
-    command->add_option("-l,--charset", options->charset, "the charset of the text, and the case table to go by")
-        ->type_name("CHARSET[/TABLE]")
-        ->required();
-    command->add_option("-o,--output", options->output, "write to FILE, which appears when all is done")
-        ->type_name("FILE");
-    command->add_option("FILE", options->files, "files, written one behind the other; - or none: standard input")
-        ->type_name("");
-    command->footer(std::string("The case table left out is \"basic\". Each letter becomes one letter: \xC3\x9F stays "
-                                "as it is. Exit code 1 if the text isn't valid in its charset.\n\nExamples:\n") +
-                    examples);
-    command->callback([&common, &run, options, wanted] {
-        run = [&common, options, wanted] {
-            if (options->files.empty()) options->files.push_back("-");
-            return CaseChange(common, *options, wanted).run();
-        };
-    });
+    command.option("-l,--charset", options->charset, "the charset of the text, and the case table to go by")
+        .shownAs("CHARSET[/TABLE]")
+        .required();
+    command.output(options->output);
+    command.files(options->files, "files, written one behind the other; - or none: standard input");
+    command.footer(std::string("The case table left out is \"basic\". Each letter becomes one letter: \xC3\x9F stays "
+                               "as it is. Exit code 1 if the text isn't valid in its charset.\n\nExamples:\n") +
+                   examples);
+    command.runs([&common, options, wanted] { return CaseChange(common, *options, wanted).run(); });
 }
 
 }  // namespace
 
-void addUpper(CLI::App& app, const Common& common, Run& run) {
-    addCase(app, common, run, Case::upper, "upper", "write text in capitals",
+void addUpper(const Command& program, const Common& common) {
+    addCase(program, common, Case::upper, "upper", "write text in capitals",
             "  nls upper -l UTF-8 in.txt\n  nls upper -l 1254/turkish -o out.txt in.txt\n");
 }
 
-void addLower(CLI::App& app, const Common& common, Run& run) {
-    addCase(app, common, run, Case::lower, "lower", "write text in small letters",
+void addLower(const Command& program, const Common& common) {
+    addCase(program, common, Case::lower, "lower", "write text in small letters",
             "  nls lower -l KOI8-R in.txt\n  nls lower -l UTF-8/turkish -o out.txt in.txt\n");
 }
 

@@ -91,25 +91,18 @@ private:
 
 }  // namespace
 
-void addCheck(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("check", "is text valid in its charset, and where not?");
+void addCheck(const Command& program, const Common& common) {
+    Command command = program.add("check", "is text valid in its charset, and where not?");
     auto options = std::make_shared<Options>();
-    command->add_option("-f,--from-code,--from", options->from, "the charset")
-        ->type_name("CHARSET")
-        ->capture_default_str();
-    command->add_option("--limit", options->limit, "tell this many places of a file, the rest as a number; 0: all")
-        ->type_name("N")
-        ->capture_default_str();
-    command->add_option("FILE", options->files, "files; - or none: standard input")->type_name("");
-    command->footer(
+    command.option("-f,--from-code,--from", options->from, "the charset").shownAs("CHARSET").showsDefault();
+    command.option("--limit", options->limit, "tell this many places of a file, the rest as a number; 0: all")
+        .shownAs("N")
+        .showsDefault();
+    command.files(options->files, "files; - or none: standard input");
+    command.footer(
         "Exit code 1 if a file isn't valid.\n\nExamples:\n  nls check -f UTF-8 *.txt\n"
         "  nls check -f SHIFT-JIS --limit 0 in.txt\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->files.empty()) options->files.push_back("-");
-            return Check(common, *options).run();
-        };
-    });
+    command.runs([&common, options] { return Check(common, *options).run(); });
 }
 
 }  // namespace nls::tool

@@ -33,14 +33,14 @@ Exit compare(const Common& common, const Options& options) {
 
 }  // namespace
 
-void addCompare(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("compare", "which of two texts sorts first?");
+void addCompare(const Command& program, const Common& common) {
+    Command command = program.add("compare", "which of two texts sorts first?");
     auto options = std::make_shared<Options>();
-    addOrderOptions(*command, options->order);
-    command->add_flag("--raw", options->raw, "A and B are bytes of the charset, and not UTF-8");
-    command->add_option("A", options->a, "a text, as UTF-8")->required()->type_name("");
-    command->add_option("B", options->b, "another")->required()->type_name("");
-    command->footer(
+    addOrderOptions(command, options->order);
+    command.flag("--raw", options->raw, "A and B are bytes of the charset, and not UTF-8");
+    command.option("A", options->a, "a text, as UTF-8").required().shownAs("");
+    command.option("B", options->b, "another").required().shownAs("");
+    command.footer(
         "Writes < if A sorts before B, > if it sorts after it, and = if they are equal: exit code 0 all the same. 1: a "
         "text isn't valid, or the charset lacks a character of it.\n"
         "\n"
@@ -48,7 +48,7 @@ void addCompare(CLI::App& app, const Common& common, Run& run) {
         "  nls compare -l 1252/swedish \xC3\x85land Zorn          >\n"
         "  nls compare -l 1252/german -f fold Stra\xC3\x9F"
         "e STRASSE\n");
-    command->callback([&common, &run, options] { run = [&common, options] { return compare(common, *options); }; });
+    command.runs([&common, options] { return compare(common, *options); });
 }
 
 }  // namespace nls::tool

@@ -139,34 +139,27 @@ void takeSuffixes(Options& options) {
 
 }  // namespace
 
-void addConvert(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("convert", "convert text from one charset to another");
+void addConvert(const Command& program, const Common& common) {
+    Command command = program.add("convert", "convert text from one charset to another");
     auto options = std::make_shared<Options>();
-    command->add_option("-f,--from-code,--from", options->from, "the charset of the input")
-        ->type_name("CHARSET")
-        ->capture_default_str();
-    command->add_option("-t,--to-code,--to", options->to, "the charset of the output")
-        ->type_name("CHARSET")
-        ->capture_default_str();
-    command->add_option("-o,--output", options->output, "write to FILE, which appears when all is done")
-        ->type_name("FILE");
-    CLI::Option* const substitute =
-        command->add_flag("--subst", options->substitute, "put a substitute for what doesn't convert, and go on");
-    CLI::Option* const drop = command->add_flag("-c", options->drop, "drop what doesn't convert, and go on");
-    CLI::Option* const lossless = command->add_flag("--lossless", options->lossless,
-                                                    "refuse what would not come back the same when converted back");
-    substitute->excludes(drop);
-    substitute->excludes(lossless);
-    drop->excludes(lossless);
-    command->add_option("--limit", options->limit, "tell this many characters in full, the rest as a number; 0: all")
-        ->type_name("N")
-        ->capture_default_str();
-    command->add_flag("-s,--silent,--quiet", options->silent, "no progress, and no word on what was lost");
-    command->add_flag("--verbose", options->verbose, "taken for iconv's sake");
-    command->add_flag("-l,--list", options->list, "list the charsets");
-    command->add_option("FILE", options->files, "files, converted one behind the other; - or none: standard input")
-        ->type_name("");
-    command->footer(
+    command.option("-f,--from-code,--from", options->from, "the charset of the input")
+        .shownAs("CHARSET")
+        .showsDefault();
+    command.option("-t,--to-code,--to", options->to, "the charset of the output").shownAs("CHARSET").showsDefault();
+    command.output(options->output);
+    command.flag("--subst", options->substitute, "put a substitute for what doesn't convert, and go on");
+    command.flag("-c", options->drop, "drop what doesn't convert, and go on").excludes("--subst");
+    command.flag("--lossless", options->lossless, "refuse what would not come back the same when converted back")
+        .excludes("--subst")
+        .excludes("-c");
+    command.option("--limit", options->limit, "tell this many characters in full, the rest as a number; 0: all")
+        .shownAs("N")
+        .showsDefault();
+    command.flag("-s,--silent,--quiet", options->silent, "no progress, and no word on what was lost");
+    command.flag("--verbose", options->verbose, "taken for iconv's sake");
+    command.flag("-l,--list", options->list, "list the charsets");
+    command.files(options->files, "files, converted one behind the other; - or none: standard input");
+    command.footer(
         "By default the first character that doesn't convert ends the conversion: exit code 1, and FILE is not "
         "written.\n"
         "\n"
@@ -175,13 +168,10 @@ void addConvert(CLI::App& app, const Common& common, Run& run) {
         "  nls convert -t 1252 --subst -o out.txt in.txt   exit code 3 if there were substitutes\n"
         "  nls convert -f IBM037 -t UTF-8 -o book book     in place\n"
         "  nls convert -f EUCJIS -t UTF-8 --lossless -o out.txt in.txt\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->list) return listCharsets(common);
-            takeSuffixes(*options);
-            if (options->files.empty()) options->files.push_back("-");
-            return Conversion(common, *options).run();
-        };
+    command.runs([&common, options] {
+        if (options->list) return listCharsets(common);
+        takeSuffixes(*options);
+        return Conversion(common, *options).run();
     });
 }
 

@@ -157,22 +157,15 @@ private:
 
 }  // namespace
 
-void addCount(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("count", "count bytes, characters and screen columns");
+void addCount(const Command& program, const Common& common) {
+    Command command = program.add("count", "count bytes, characters and screen columns");
     auto options = std::make_shared<Options>();
-    command->add_option("-f,--from-code,--from", options->from, "the charset")
-        ->type_name("CHARSET")
-        ->capture_default_str();
-    command->add_option("FILE", options->files, "files; - or none: standard input")->type_name("");
-    command->footer(
+    command.option("-f,--from-code,--from", options->from, "the charset").shownAs("CHARSET").showsDefault();
+    command.files(options->files, "files; - or none: standard input");
+    command.footer(
         "Columns are those of all lines together; line ends fill none. What isn't valid counts in bytes alone,\n"
         "and makes the exit code 1.\n\nExample:\n  nls count -f EUCJIS in.txt\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->files.empty()) options->files.push_back("-");
-            return Count(common, *options).run();
-        };
-    });
+    command.runs([&common, options] { return Count(common, *options).run(); });
 }
 
 }  // namespace nls::tool

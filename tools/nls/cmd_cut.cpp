@@ -124,33 +124,24 @@ private:
 
 }  // namespace
 
-void addCut(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("cut", "cut bytes out of lines, but never a character");
+void addCut(const Command& program, const Common& common) {
+    Command command = program.add("cut", "cut bytes out of lines, but never a character");
     auto options = std::make_shared<Options>();
-    command->add_option("-f,--from-code,--from", options->charset, "the charset")
-        ->type_name("CHARSET")
-        ->capture_default_str();
-    command->add_option("-b,--bytes", options->bytes, "from byte START of each line on, at most COUNT bytes, or all")
-        ->type_name("START[,COUNT]")
-        ->required();
-    command->add_flag("-z,--zero", options->zero, "lines end with a NUL");
-    command->add_option("-o,--output", options->output, "write to FILE, which appears when all is done")
-        ->type_name("FILE");
-    command->add_option("FILE", options->files, "files, written one behind the other; - or none: standard input")
-        ->type_name("");
-    command->footer(
+    command.option("-f,--from-code,--from", options->charset, "the charset").shownAs("CHARSET").showsDefault();
+    command.option("-b,--bytes", options->bytes, "from byte START of each line on, at most COUNT bytes, or all")
+        .shownAs("START[,COUNT]")
+        .required();
+    command.flag("-z,--zero", options->zero, "lines end with a NUL");
+    command.output(options->output);
+    command.files(options->files, "files, written one behind the other; - or none: standard input");
+    command.footer(
         "The first byte of a line is 1. A character that lies across either end of the range is left out whole, so no "
         "line has more than COUNT bytes. Whether text is valid isn't looked at; nls check does.\n"
         "\n"
         "Examples:\n"
         "  nls cut -f UTF-8 -b 1,20 names.txt            what fits into a column of 20 bytes\n"
         "  nls cut -f SHIFT-JIS -b 11 in.txt             from the 11th byte on\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->files.empty()) options->files.push_back("-");
-            return Cut(common, *options).run();
-        };
-    });
+    command.runs([&common, options] { return Cut(common, *options).run(); });
 }
 
 }  // namespace nls::tool

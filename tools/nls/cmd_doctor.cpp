@@ -192,10 +192,10 @@ constexpr const char* footer =
 
 }  // namespace
 
-void addDoctor(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("doctor", "what was found on this host, and what is missing");
-    command->footer(footer);
-    command->callback([&common, &run] { run = [&common] { return doctor(common); }; });
+void addDoctor(const Command& program, const Common& common) {
+    Command command = program.add("doctor", "what was found on this host, and what is missing");
+    command.footer(footer);
+    command.runs([&common] { return doctor(common); });
 }
 
 }  // namespace nls::tool

@@ -46,20 +46,18 @@ void dumpJson(const ConvmapText& dump, const Options& options) {
 
 }  // namespace
 
-void addDump(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("dump", "show every record of a data file");
+void addDump(const Command& program, const Common& common) {
+    Command command = program.add("dump", "show every record of a data file");
     auto options = std::make_shared<Options>();
-    command->add_option("CONVMAP", options->file, "the data file; without it the one in use")->type_name("");
-    command->add_flag("--arrays", options->wholeArrays, "the arrays of multi-byte charsets word by word");
-    command->add_flag("--contents", options->contentsOnly, "the table of contents alone");
-    command->footer("Example:\n  nls dump share/nls/convmap.cp | less\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->file.empty()) options->file = findDataFile(common.dataFile);
-            const ConvmapText dump{options->file, options->wholeArrays};
-            common.json ? dumpJson(dump, *options) : dumpText(dump, *options);
-            return Exit::done;
-        };
+    command.option("CONVMAP", options->file, "the data file; without it the one in use").shownAs("");
+    command.flag("--arrays", options->wholeArrays, "the arrays of multi-byte charsets word by word");
+    command.flag("--contents", options->contentsOnly, "the table of contents alone");
+    command.footer("Example:\n  nls dump share/nls/convmap.cp | less\n");
+    command.runs([&common, options] {
+        if (options->file.empty()) options->file = findDataFile(common.dataFile);
+        const ConvmapText dump{options->file, options->wholeArrays};
+        common.json ? dumpJson(dump, *options) : dumpText(dump, *options);
+        return Exit::done;
     });
 }
 

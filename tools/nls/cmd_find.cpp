@@ -102,28 +102,25 @@ constexpr const char* footer =
 
 }  // namespace
 
-void addFind(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("find", "find text in lines, or replace it, by a collation");
+void addFind(const Command& program, const Common& common) {
+    Command command = program.add("find", "find text in lines, or replace it, by a collation");
     auto options = std::make_shared<Options>();
-    addMatchOptions(*command, options->match);
-    CLI::Option* const only =
-        command->add_flag("-o,--only-matching", options->only, "each match as a line, and no more");
-    CLI::Option* const replace =
-        command->add_option("--replace", options->replacement, "write all lines, with TEXT in place of each match")
-            ->type_name("TEXT")
-            ->excludes(only);
-    for (const char* const other : {"--count", "--invert", "--line-number"}) replace->excludes(other);
-    only->excludes("--invert");
-    command->add_option("--output", options->output, "with --replace: write to FILE, which appears when all is done")
-        ->type_name("FILE")
-        ->needs(replace);
-    command->footer(footer);
-    command->callback([&common, &run, options, replace] {
-        run = [&common, options, replace] {
-            if (options->match.files.empty()) options->match.files.push_back("-");
-            options->replaces = replace->count() != 0;
-            return Find(common, *options).run();
-        };
+    addMatchOptions(command, options->match);
+    command.flag("-o,--only-matching", options->only, "each match as a line, and no more").excludes("--invert");
+    const Option replace =
+        command.option("--replace", options->replacement, "write all lines, with TEXT in place of each match")
+            .shownAs("TEXT")
+            .excludes("--only-matching")
+            .excludes("--count")
+            .excludes("--invert")
+            .excludes("--line-number");
+    command.option("--output", options->output, "with --replace: write to FILE, which appears when all is done")
+        .shownAs("FILE")
+        .needs("--replace");
+    command.footer(footer);
+    command.runs([&common, options, replace] {
+        options->replaces = replace.isGiven();
+        return Find(common, *options).run();
     });
 }
 

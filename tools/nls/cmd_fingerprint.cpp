@@ -44,11 +44,11 @@ Exit fingerprint(const Common& common, const std::vector<std::string>& names) {
 
 }  // namespace
 
-void addFingerprint(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("fingerprint", "a digest of everything that decides an order");
+void addFingerprint(const Command& program, const Common& common) {
+    Command command = program.add("fingerprint", "a digest of everything that decides an order");
     auto names = std::make_shared<std::vector<std::string>>();
-    command->add_option("ORDER", *names, "CHARSET/COLLATION")->required()->type_name("");
-    command->footer(
+    command.option("ORDER", *names, "CHARSET/COLLATION").required().shownAs("");
+    command.footer(
         "Two hosts whose prints are the same sort the same way, exactly and folded: an index that one has built is in "
         "order for the other. The digest is SHA-256 over the collation's kind and maps, the charset's way of forming "
         "characters, and where they take part the case table and the conversion to Shift-JIS. Of ICU's collations the "
@@ -61,7 +61,7 @@ void addFingerprint(CLI::App& app, const Common& common, Run& run) {
         "  nls fingerprint 1252/swedish\n"
         "  nls fingerprint -D old.cp UTF-8/basic EUCJIS/basic > old; nls fingerprint UTF-8/basic EUCJIS/basic | diff "
         "old -\n");
-    command->callback([&common, &run, names] { run = [&common, names] { return fingerprint(common, *names); }; });
+    command.runs([&common, names] { return fingerprint(common, *names); });
 }
 
 }  // namespace nls::tool

@@ -80,28 +80,22 @@ private:
 
 }  // namespace
 
-void addKey(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("key", "write the sort keys of lines");
+void addKey(const Command& program, const Common& common) {
+    Command command = program.add("key", "write the sort keys of lines");
     auto options = std::make_shared<Options>();
-    addOrderOptions(*command, options->order);
-    command->add_flag("--hex", options->hex, "each key as a line of hex digits");
-    command->add_flag("-z,--zero", options->zero, "lines end with a NUL");
-    command->add_option("-o,--output", options->output, "write to FILE, which appears when all is done")
-        ->type_name("FILE");
-    command->add_option("FILE", options->files, "files; - or none: standard input")->type_name("");
-    command->footer(
+    addOrderOptions(command, options->order);
+    command.flag("--hex", options->hex, "each key as a line of hex digits");
+    command.flag("-z,--zero", options->zero, "lines end with a NUL");
+    command.output(options->output);
+    command.files(options->files, "files; - or none: standard input");
+    command.footer(
         "A key is bytes without a NUL, and a NUL behind them: compared byte by byte they stand in the order of the "
         "texts. Blanks at the end of a line don't count.\n"
         "\n"
         "Examples:\n"
         "  nls key -l 1252/swedish --hex names.txt\n"
         "  nls key -l 1252/swedish names.txt | LC_ALL=C sort -z -c     is the file in order?\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->files.empty()) options->files.push_back("-");
-            return Keys(common, *options).run();
-        };
-    });
+    command.runs([&common, options] { return Keys(common, *options).run(); });
 }
 
 }  // namespace nls::tool

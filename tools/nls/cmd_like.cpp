@@ -109,19 +109,14 @@ constexpr const char* footer =
 
 }  // namespace
 
-void addLike(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("like", "lines that match a pattern of SQL's LIKE");
+void addLike(const Command& program, const Common& common) {
+    Command command = program.add("like", "lines that match a pattern of SQL's LIKE");
     auto options = std::make_shared<Options>();
-    addMatchOptions(*command, options->match);
-    command->add_option("--escape", options->escape, "the character that makes the next of the pattern an ordinary one")
-        ->type_name("C");
-    command->footer(footer);
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->match.files.empty()) options->match.files.push_back("-");
-            return Like(common, *options).run();
-        };
-    });
+    addMatchOptions(command, options->match);
+    command.option("--escape", options->escape, "the character that makes the next of the pattern an ordinary one")
+        .shownAs("C");
+    command.footer(footer);
+    command.runs([&common, options] { return Like(common, *options).run(); });
 }
 
 }  // namespace nls::tool

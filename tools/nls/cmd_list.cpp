@@ -100,24 +100,20 @@ Exit listCharsets(const Common& common) {
     return Exit::done;
 }
 
-void addList(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("list", "list the charsets of the data file");
+void addList(const Command& program, const Common& common) {
+    Command command = program.add("list", "list the charsets of the data file");
     struct Options {
         bool collations = false, icu = false;
     };
     auto options = std::make_shared<Options>();
-    CLI::Option* const collations =
-        command->add_flag("--collations", options->collations, "list the collations instead, as CHARSET/COLLATION");
-    command->add_flag("--icu", options->icu, "list ICU's collations instead, whether ICU can be loaded or not")
-        ->excludes(collations);
-    command->footer(
+    command.flag("--collations", options->collations, "list the collations instead, as CHARSET/COLLATION");
+    command.flag("--icu", options->icu, "list ICU's collations instead, whether ICU can be loaded or not")
+        .excludes("--collations");
+    command.footer(
         "A single-byte charset also has, by derivation, the collations of charsets from which the file has a byte map "
-        "to "
-        "it.\n");
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            return options->collations || options->icu ? listCollations(common, options->icu) : listCharsets(common);
-        };
+        "to it.\n");
+    command.runs([&common, options] {
+        return options->collations || options->icu ? listCollations(common, options->icu) : listCharsets(common);
     });
 }
 

@@ -177,16 +177,13 @@ private:
 
 }  // namespace
 
-void addShow(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("show", "show what the data file knows of a charset");
+void addShow(const Command& program, const Common& common) {
+    Command command = program.add("show", "show what the data file knows of a charset");
     auto words = std::make_shared<std::pair<std::string, std::string>>();
-    command->add_option("WHAT", words->first, "what to show: charset")
-        ->required()
-        ->type_name("")
-        ->check(CLI::IsMember({"charset"}));
-    command->add_option("CHARSET", words->second, "its name")->required()->type_name("");
-    command->footer("Example:\n  nls show charset KOI8-R\n");
-    command->callback([&common, &run, words] { run = [&common, words] { return Show(common, words->second).run(); }; });
+    command.option("WHAT", words->first, "what to show: charset").required().shownAs("").oneOf({"charset"});
+    command.option("CHARSET", words->second, "its name").required().shownAs("");
+    command.footer("Example:\n  nls show charset KOI8-R\n");
+    command.runs([&common, words] { return Show(common, words->second).run(); });
 }
 
 }  // namespace nls::tool

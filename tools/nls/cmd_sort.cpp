@@ -137,40 +137,32 @@ constexpr const char* footer =
 
 }  // namespace
 
-void addSort(CLI::App& app, const Common& common, Run& run) {
-    CLI::App* const command = app.add_subcommand("sort", "sort the lines of text by a collation");
+void addSort(const Command& program, const Common& common) {
+    Command command = program.add("sort", "sort the lines of text by a collation");
     auto options = std::make_shared<Options>();
-    addOrderOptions(*command, options->order);
+    addOrderOptions(command, options->order);
     command
-        ->add_option("-k,--field", options->fields,
-                     "sort by the Nth field, from 1, or by the fields N to M; what is equal by the first -k is "
-                     "told apart by the next")
-        ->type_name("N[,M]")
-        ->take_all()
-        ->expected(1);
+        .option("-k,--field", options->fields,
+                "sort by the Nth field, from 1, or by the fields N to M; what is equal by the first -k is "
+                "told apart by the next")
+        .shownAs("N[,M]")
+        .oneForEachUse();
     command
-        ->add_option("-t,--separator", options->separator,
-                     "the text between two fields, as UTF-8 or \\t; without it runs of blanks and tabs")
-        ->type_name("SEP");
-    command->add_flag("-u,--unique", options->unique, "of lines that are equal write the first alone");
-    command->add_flag("-r,--reverse", options->reverse, "the last first");
-    command->add_flag("--keys", options->keys, "compare by sort keys: faster for much text, and takes more memory");
-    command->add_flag("-z,--zero", options->zero, "lines end with a NUL");
-    command->add_option("-o,--output", options->output, "write to FILE, which appears when all is done")
-        ->type_name("FILE");
-    command->add_option("--memory", options->memory, "memory for lines, such as 64M or 2G; default: 256M")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false))
-        ->check(CLI::Range(uint64_t{1} << 16, uint64_t{1} << 40));
-    command->add_option("--temp", options->folder, "the folder for temporary files")->type_name("FOLDER");
-    command->add_option("FILE", options->files, "files, sorted as one; - or none: standard input")->type_name("");
-    command->footer(footer);
-    command->callback([&common, &run, options] {
-        run = [&common, options] {
-            if (options->files.empty()) options->files.push_back("-");
-            return Sort(common, *options).run();
-        };
-    });
+        .option("-t,--separator", options->separator,
+                "the text between two fields, as UTF-8 or \\t; without it runs of blanks and tabs")
+        .shownAs("SEP");
+    command.flag("-u,--unique", options->unique, "of lines that are equal write the first alone");
+    command.flag("-r,--reverse", options->reverse, "the last first");
+    command.flag("--keys", options->keys, "compare by sort keys: faster for much text, and takes more memory");
+    command.flag("-z,--zero", options->zero, "lines end with a NUL");
+    command.output(options->output);
+    command.option("--memory", options->memory, "memory for lines, such as 64M or 2G; default: 256M")
+        .shownAs("SIZE")
+        .bytesFromTo(uint64_t{1} << 16, uint64_t{1} << 40);
+    command.option("--temp", options->folder, "the folder for temporary files").shownAs("FOLDER");
+    command.files(options->files, "files, sorted as one; - or none: standard input");
+    command.footer(footer);
+    command.runs([&common, options] { return Sort(common, *options).run(); });
 }
 
 }  // namespace nls::tool

@@ -1,11 +1,10 @@
 // The subcommands: each adds itself to the command line and says what to run.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <functional>
+#include <memory>
 #include <string>
 
-#include "tools/nls/failure.hpp"
+#include "tools/nls/command_line.hpp"
 
 namespace nls::tool {
 
@@ -15,25 +14,22 @@ struct Common {
     bool json = false;
 };
 
-// What to run once the command line has been read.
-using Run = std::function<Exit()>;
-
-void addConvert(CLI::App& app, const Common& common, Run& run);
-void addCheck(CLI::App& app, const Common& common, Run& run);
-void addCount(CLI::App& app, const Common& common, Run& run);
-void addFind(CLI::App& app, const Common& common, Run& run);
-void addLike(CLI::App& app, const Common& common, Run& run);
-void addCut(CLI::App& app, const Common& common, Run& run);
-void addSort(CLI::App& app, const Common& common, Run& run);
-void addCompare(CLI::App& app, const Common& common, Run& run);
-void addKey(CLI::App& app, const Common& common, Run& run);
-void addUpper(CLI::App& app, const Common& common, Run& run);
-void addLower(CLI::App& app, const Common& common, Run& run);
-void addFingerprint(CLI::App& app, const Common& common, Run& run);
-void addList(CLI::App& app, const Common& common, Run& run);
-void addShow(CLI::App& app, const Common& common, Run& run);
-void addDoctor(CLI::App& app, const Common& common, Run& run);
-void addDump(CLI::App& app, const Common& common, Run& run);
+void addConvert(const Command& program, const Common& common);
+void addCheck(const Command& program, const Common& common);
+void addCount(const Command& program, const Common& common);
+void addFind(const Command& program, const Common& common);
+void addLike(const Command& program, const Common& common);
+void addCut(const Command& program, const Common& common);
+void addSort(const Command& program, const Common& common);
+void addCompare(const Command& program, const Common& common);
+void addKey(const Command& program, const Common& common);
+void addUpper(const Command& program, const Common& common);
+void addLower(const Command& program, const Common& common);
+void addFingerprint(const Command& program, const Common& common);
+void addList(const Command& program, const Common& common);
+void addShow(const Command& program, const Common& common);
+void addDoctor(const Command& program, const Common& common);
+void addDump(const Command& program, const Common& common);
 
 // The list of charsets, which `convert -l` shows as well.
 Exit listCharsets(const Common& common);

@@ -1,4 +1,5 @@
 // nls: text in many charsets converted, checked, counted, searched and sorted, and the data file looked into.
+#include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
 #include <string>
@@ -44,6 +45,7 @@ constexpr const char* footer =
     "The data file is the one of -D; else of ZELCONV; else convmap.cp in the directory QRD; else the installed one.\n";
 
 void addCommands(CLI::App& app, Common& common, Run& run) {
+    const Command program{app, run};
     app.add_option("-D,--data", common.dataFile, "the data file, convmap.cp")->type_name("FILE");
     app.add_flag("--json", common.json, "answer in JSON");
     app.set_version_flag("-V,--version", "nls 1.0.0");
@@ -52,7 +54,7 @@ void addCommands(CLI::App& app, Common& common, Run& run) {
     app.fallthrough();
     for (const auto add : {&addConvert, &addCheck, &addCount, &addFind, &addLike, &addCut, &addSort, &addCompare,
                            &addKey, &addUpper, &addLower, &addFingerprint, &addList, &addShow, &addDump, &addDoctor}) {
-        add(app, common, run);
+        add(program, common);
     }
 }
 

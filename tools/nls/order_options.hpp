@@ -1,9 +1,9 @@
 // Options that every command of an order understands.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
+#include "tools/nls/command_line.hpp"
 #include "tools/nls/order.hpp"
 
 namespace nls::tool {
@@ -15,22 +15,22 @@ struct OrderOptions {
     Fold mode() const { return fold == "fold" ? Fold::folded : Fold::exact; }
 };
 
-inline void addOrderOptions(CLI::App& command, OrderOptions& options) {
-    command.add_option("-l,--order", options.order, "the charset of the text and the collation to go by")
-        ->type_name("CHARSET/COLLATION")
-        ->required();
-    command.add_option("-f,--mode", options.fold, "exact, or fold: capitals and small letters are the same")
-        ->type_name("MODE")
-        ->check(CLI::IsMember({"exact", "fold"}))
-        ->capture_default_str();
+inline void addOrderOptions(Command& command, OrderOptions& options) {
+    command.option("-l,--order", options.order, "the charset of the text and the collation to go by")
+        .shownAs("CHARSET/COLLATION")
+        .required();
+    command.option("-f,--mode", options.fold, "exact, or fold: capitals and small letters are the same")
+        .shownAs("MODE")
+        .oneOf({"exact", "fold"})
+        .showsDefault();
 }
 
 // The short way to say it, for commands that look for something.
-inline void addFoldFlag(CLI::App& command, OrderOptions& options) {
+inline void addFoldFlag(Command& command, OrderOptions& options) {
     command
-        .add_flag_callback(
+        .flag(
             "--fold", [&options] { options.fold = "fold"; }, "the same as --mode fold")
-        ->excludes("--mode");
+        .excludes("--mode");
 }
 
 }  // namespace nls::tool
