@@ -1,5 +1,5 @@
-// What a command says of its options and arguments. CLI11 does the rest, behind command_line.cpp: its headers take longer
-// to compile than all of a command.
+// What a command says of its options and arguments. CLI11 does the rest, behind command_line.cpp: its headers take
+// longer to compile than all of a command.
 #pragma once
 
 #include <cstdint>
@@ -45,7 +45,8 @@ public:
 
     Command add(const char* name, const char* what) const;  // a command of this program
 
-    // `names` as "-o,--output", or a word in capitals for an argument. The values outlive the reading of the command line.
+    // `names` as "-o,--output", or a word in capitals for an argument. The values outlive the reading of the command
+    // line.
     Option option(const char* names, std::string& value, const char* what);
     Option option(const char* names, uint64_t& value, const char* what);
     Option option(const char* names, std::vector<std::string>& values, const char* what);
