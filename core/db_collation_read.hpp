@@ -2,7 +2,8 @@
 //
 // The record, its image and its word-break table may hold anything. Sizes are checked before they are used; what the
 // tables hold otherwise is believed as far as a walk can bear it, like those of a data file. Places in the block:
-// core/db_block.hpp. Tested by tests/core/db_collation_test.cpp, tests/real/real_stored_test.cpp and fuzz/db_collation.cpp.
+// core/db_block.hpp. Tested by tests/core/db_collation_test.cpp, tests/icu/stored_icu_test.cpp,
+// tests/real/real_stored_test.cpp and fuzz/db_collation.cpp.
 #pragma once
 
 #include <cstdint>

@@ -9,8 +9,8 @@
 
    A database locale is one made from such a record. It lives in a block of the caller's until nlsCloseDBLocale
    (objects.h) gives the block back, and serves like any other meanwhile. It is found by its names, also by
-   nlsCreateLocale. Each call makes another, whatever stands on the chain. A thread's block (nlsTlsBlock) that compared by
-   a collation of ICU's is closed before the block of its locale goes.
+   nlsCreateLocale. Each call makes another, whatever stands on the chain. A thread's block (nlsTlsBlock) that compared
+   by a collation of ICU's is closed before the block of its locale goes.
 
    Valid C11 and C++20. */
 #ifndef NLS_DBCOLLATION_H
@@ -77,10 +77,10 @@ NLS_API NLS_CHECKED nlsStatus nlsLocaleToDbCollation(const nlsLocale* locale, in
    locale           receives the locale, on success alone; its address is that of the block
 
    A collation of a kind above 5 has its attribute and case table in the block. Of one up to 5 they are those of the
-   data file: the locale of the charset without a collation and with the case table "basic" is made, and stays. A charset
-   that compares through Shift-JIS brings companions, as with nlsCreateLocale. Kind 2 opens the site's own sort, kind 5
-   ICU: the versions in its image become those of the ICU that is loaded, its strength words stay, and the collator that
-   callers without a block of their thread share stays open for the life of the process.
+   data file: the locale of the charset without a collation and with the case table "basic" is made, and stays. A
+   charset that compares through Shift-JIS brings companions, as with nlsCreateLocale. Kind 2 opens the site's own
+   sort, kind 5 ICU: the versions in its image become those of the ICU that is loaded, its strength words stay, and the
+   collator that callers without a block of their thread share stays open for the life of the process.
 
    The word-break table stands in the block behind the collation; of a kind above 5 behind the case table and its
    pages, at a multiple of 8 where the block has room for that. It is completed as getWbTable tells. Without one its

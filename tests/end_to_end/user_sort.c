@@ -41,6 +41,24 @@ static void sortBySite(nlsHandle* handle, const nlsLocale* locale) {
     CHECK(getenv("SITE_SORT_ENDED") == NULL);
 }
 
+/* A database's record brings no sort of its own: it opens the site's, under its own status where there is none. */
+static void sortByRecord(nlsHandle* handle, int site) {
+    static uint64_t block[200];
+    static unsigned char image[512];
+    nlsDbCollation record = {"ISO8859-1", "german", "", 2, 0, sizeof image, 0, image, NULL, NULL};
+    nlsLocale* locale = NULL;
+    uint32_t size = sizeof block;
+    void* given = NULL;
+    const unsigned char* const text = (const unsigned char*)"a database's";
+    CHECK(nlsDbCollationToLocale(handle, &record, text, &size, block, &locale) == NLS_NO_COLL_TABLE);
+    strcpy(record.dbCollation, "basic");
+    const nlsStatus status = nlsDbCollationToLocale(handle, &record, text, &size, block, &locale);
+    CHECK(status == (site ? NLS_OK : NLS_NO_COLL_TABLE) && handle->busy == 0);
+    if (!site) return;
+    sortBySite(handle, locale);
+    CHECK(nlsCloseDBLocale(locale, &given, &size) == NLS_OK && given == block && size == sizeof block);
+}
+
 int main(int argc, char** argv) {
     static uint64_t block[65536];
     nlsHandle* handle;
@@ -50,6 +68,7 @@ int main(int argc, char** argv) {
     const int site = strcmp(argv[2], "site") == 0;
     CHECK(nlsInit((uint32_t)file, block, sizeof block, readFile, &handle) == NLS_OK);
     CHECK(nlsCreateLocale(handle, "ISO8859-1", "german", NULL, &german) == NLS_BAD_COLLATION);
+    sortByRecord(handle, site);
     CHECK(nlsCreateLocale(handle, "ISO8859-1", NULL, NULL, &locale) == (site ? NLS_OK : NLS_BAD_COLLATION));
     CHECK((locale != NULL) == site);
     if (site) {
