@@ -7,6 +7,9 @@
 // forward and one back. Tested by tests/strings/search_test.cpp.
 #pragma once
 
+#include <emmintrin.h>
+
+#include <algorithm>
 #include <cstddef>
 
 #include "core/base/charset.hpp"
@@ -18,6 +21,18 @@ struct CharsetLengths {
     Charset charset;
     unsigned longestTrail;  // the most trailing bytes that any byte announces
 };
+
+inline CharsetLengths lengthsOf(const Charset& charset) {
+    constexpr unsigned kByteValues = 256, kLanes = 16;
+    __m128i most = _mm_setzero_si128();
+    for (unsigned i = 0; i < kByteValues; i += kLanes) {
+        const __m128i entries = _mm_loadu_si128(reinterpret_cast<const __m128i*>(charset.lengths() + i));
+        most = _mm_max_epu8(most, _mm_and_si128(entries, _mm_set1_epi8(Charset::kTrailCountBits)));
+    }
+    unsigned char lanes[kLanes];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), most);
+    return {charset, *std::max_element(lanes, lanes + kLanes)};
+}
 
 class CharacterStarts {
 public:

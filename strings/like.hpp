@@ -24,13 +24,12 @@ namespace nls {
 int32_t matchLikeUnderAny(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* pattern,
                           const unsigned char* text, uint16_t mode, const LikeSigns& signs);
 
-// REQUIRES: the locale has an attribute table, and byte tables that compare its charset as it is; `weights` is one of
-// their maps.
+// REQUIRES: firstPairMayDecide; `weights` is one of the locale's maps.
 int32_t matchLikeByTables(const nlsLocale& locale, WeightMap weights, const unsigned char* pattern,
                           const unsigned char* text, const LikeSigns& signs);
 
-// In line with the call where the first characters decide. The signs come singly, as at the door, and what isn't needed
-// any more isn't handed on: until then nothing has to be put into memory. REQUIRES: the locale has an attribute table.
+// In line with the call where the first bytes decide. The signs come singly, as at the door, and what isn't needed any
+// more isn't handed on: until then nothing has to be put into memory. REQUIRES: the locale has an attribute table.
 inline int32_t matchLike(const nlsLocale& locale, nlsTlsBlock* tls, const unsigned char* pattern,
                          const unsigned char* text, uint16_t mode, nlsLChar escape, nlsLChar single, nlsLChar multi) {
     if (locale.coll == nullptr || !isByteMode(mode) || !firstPairMayDecide(locale))

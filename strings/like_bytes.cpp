@@ -64,17 +64,13 @@ bool fitsOpening(WeightMap weights, const LikeSigns& signs, const unsigned char*
     }
 }
 
-bool isMulti(unsigned char byte, const LikeSigns& signs) {
-    return byte == signs.multi && byte != signs.single && byte != signs.escape && byte != 0;
-}
-
 }  // namespace
 
 int32_t matchLikeOfBytes(WeightMap weights, const unsigned char* pattern, const unsigned char* text,
                          const LikeSigns& signs) {
     if (!fitsOpening(weights, signs, pattern, text)) return kLikeNoMatch;
     const Bytes bytes{weights, cpuLevel() >= CpuLevel::avx512};
-    if (isMulti(*pattern, signs)) {
+    if (isMulti(signs, *pattern)) {
         if (pattern[1] == 0) return kLikeMatch;
         if (*text == 0) return kLikeNoMatch;
         const LikeAnswer answer = bytes.matchShort(signs, pattern + 1, text);

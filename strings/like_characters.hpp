@@ -3,15 +3,19 @@
 // Tested by tests/strings/like_test.cpp.
 #pragma once
 
+#include "chars/lchar.hpp"
 #include "chars/stepping.hpp"
 #include "collation/char_equality.hpp"
+#include "convmap/case_pages.hpp"
+#include "core/base/cpu.hpp"
+#include "strings/like_lanes.hpp"
 #include "strings/like_opening.hpp"
 #include "strings/like_passing.hpp"
 
 namespace nls {
 
-// `Rule` says whether two characters are equal, neither of them the end of a text, or that it doesn't know; and which
-// first bytes the characters have that may equal one.
+// `Rule` says whether two characters are equal, neither of them the end of a text, or that it doesn't know; which first
+// bytes the characters have that may equal one; and, if it can, what follows the first `multi` of a short text.
 template <typename Rule>
 class LikeCharacters {
 public:
@@ -29,6 +33,9 @@ public:
         return {NLS_OK, equal == LikeAnswer::yes ? 0 : 1};
     }
 
+    LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
+        return rule_.matchShort(signs, pattern, text);
+    }
     const unsigned char* lastCharacters(std::size_t count, const unsigned char* text) const {
         return lastCharactersOf(rule_.charset, count, text);
     }
@@ -49,22 +56,32 @@ struct TableRule {
     Charset charset;
     WeightMap weights;
 
-    LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
-        const unsigned ofA = weights.entry(*a), ofB = weights.entry(*b);
+    LikeAnswer areBytesEqual(unsigned char a, unsigned char b) const {
+        const unsigned ofA = weights.entry(a), ofB = weights.entry(b);
         if (ofA == 0 || ofB == 0) return LikeAnswer::unknown;  // an expansion
-        if (ofA != ofB) return LikeAnswer::no;
+        return ofA == ofB ? LikeAnswer::yes : LikeAnswer::no;
+    }
+    LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
+        const LikeAnswer firstBytes = areBytesEqual(*a, *b);
         const unsigned trailsA = charset.trailCount(*a), trailsB = charset.trailCount(*b);
-        if ((trailsA | trailsB) == 0) return LikeAnswer::yes;
+        if (firstBytes != LikeAnswer::yes || (trailsA | trailsB) == 0) return firstBytes;
         if (trailsA != 1 || trailsB != 1 || a[1] == 0 || b[1] == 0) return LikeAnswer::unknown;
         return a[1] == b[1] ? LikeAnswer::yes : LikeAnswer::no;
     }
     FirstBytes mayEqual(const unsigned char* literal) const { return bytesWeighing(weights, weights.entry(*literal)); }
+    LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
+        return cpuLevel() < CpuLevel::avx512 ? LikeAnswer::unknown
+                                             : matchPairsAvx512(charset, weights, signs, pattern, text);
+    }
 };
 
 // Characters by their own values: byte by byte.
 struct ValueRule {
     Charset charset;
 
+    LikeAnswer areBytesEqual(unsigned char a, unsigned char b) const {
+        return a == b ? LikeAnswer::yes : LikeAnswer::no;
+    }
     LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
         if (*a != *b) return LikeAnswer::no;
         for (unsigned left = charset.trailCount(*a); left != 0; --left) {
@@ -78,18 +95,41 @@ struct ValueRule {
         bytes.add(*literal);
         return bytes;
     }
+    LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
+        return cpuLevel() < CpuLevel::avx512 ? LikeAnswer::unknown
+                                             : matchUtf8Avx512(charset, nullptr, signs, pattern, text);
+    }
 };
+
+// In line with the walk, for the characters that most text has.
+inline nlsLChar lowerFormAt(const nlsUnicodeCaseStruct& table, const Charset& charset, const unsigned char* place) {
+    const unsigned char first = *place;
+    const unsigned trails = charset.trailCount(first);
+    if (trails == 0) return lowerFormOf(table, first);
+    const nlsLChar two = nlsLChar{first} << 8 | place[1];
+    if (trails == 1 && place[1] != 0) return caseFormOf(table.casePages, two, CaseForm::lower);
+    if (trails == 2 && place[1] != 0 && place[2] != 0)
+        return caseFormOf(table.casePages, two << 8 | place[2], CaseForm::lower);
+    return caseFormOf(table.casePages, readLChar(charset, place).value, CaseForm::lower);
+}
 
 // The same by their lower forms.
 struct LowerFormRule {
     Charset charset;
     const nlsUnicodeCaseStruct* table;
 
+    LikeAnswer areBytesEqual(unsigned char a, unsigned char b) const {
+        return lowerFormOf(*table, a) == lowerFormOf(*table, b) ? LikeAnswer::yes : LikeAnswer::no;
+    }
     LikeAnswer areEqual(const unsigned char* a, const unsigned char* b) const {
         return lowerFormAt(*table, charset, a) == lowerFormAt(*table, charset, b) ? LikeAnswer::yes : LikeAnswer::no;
     }
     FirstBytes mayEqual(const unsigned char* literal) const {
         return bytesOfForm(*table, charset, lowerFormAt(*table, charset, literal));
+    }
+    LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
+        return cpuLevel() < CpuLevel::avx512 ? LikeAnswer::unknown
+                                             : matchUtf8Avx512(charset, table, signs, pattern, text);
     }
 };
 

@@ -34,13 +34,13 @@ NLS_TARGET_AVX512 inline LCharRead readElement(const Charset& charset, const uns
     return readLChar(charset, place);
 }
 
-// `Text` has `characters`, and tells where a literal stands.
+// Behind a `multi`, which the pattern isn't the end of. `Text` has `characters`, and tells where a literal stands.
 template <typename Text>
 NLS_TARGET_AVX512 inline LikeAnswer follow(const Text& text, const Charset& charset, const LikeSigns& signs,
                                            const unsigned char* pattern) {
     const Characters& characters = text.characters;
-    std::uint64_t fits = 1;
-    bool behindMulti = false, behindSingle = false, onBlank = false;
+    std::uint64_t fits = characters.starts;
+    bool behindSingle = false, onBlank = false;
     while (*pattern != 0) {
         if (fits == 0 && !onBlank) return LikeAnswer::no;
         const unsigned char* literal = pattern;
@@ -50,7 +50,7 @@ NLS_TARGET_AVX512 inline LikeAnswer follow(const Text& text, const Charset& char
             literal = pattern;
             read = *literal != 0 ? readElement(charset, literal) : LCharRead{0, literal};
             const bool allowed = read.value == signs.single || read.value == signs.multi || read.value == signs.escape;
-            if (read.value == 0 || !allowed) return behindMulti ? LikeAnswer::no : LikeAnswer::unknown;
+            if (read.value == 0 || !allowed) return LikeAnswer::no;
             pattern = read.next;
         } else if (read.value == signs.single) {
             fits = characters.behind(fits);
@@ -61,7 +61,6 @@ NLS_TARGET_AVX512 inline LikeAnswer follow(const Text& text, const Charset& char
             if (*pattern == 0) return onBlank ? LikeAnswer::unknown : fits != 0 ? LikeAnswer::yes : LikeAnswer::no;
             if ((fits & firstLanes(characters.length)) == 0) return LikeAnswer::no;
             fits = characters.starts & -_blsi_u64(fits);
-            behindMulti = true;
             behindSingle = onBlank = false;
             continue;
         }
@@ -112,6 +111,10 @@ struct Pairs {
     }
 };
 
+constexpr unsigned char lowerOfAscii(unsigned char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte | 0x20) : byte;
+}
+
 // Bytes of UTF-8, or those of the lower forms of its characters.
 struct Utf8 {
     Characters characters;
@@ -119,7 +122,10 @@ struct Utf8 {
     const nlsUnicodeCaseStruct* table;
     __m512i bytes;
 
+    // REQUIRES: ASCII has its usual lower forms, and no others.
     NLS_TARGET_AVX512 Stands stands(const unsigned char* literal, const LCharRead& read) const {
+        if (table != nullptr && *literal < 0x80 && read.next == literal + 1)
+            return {lanesOf(bytes, lowerOfAscii(*literal)), 1};
         if (table != nullptr) return standsByForm(caseFormOf(table->casePages, read.value, CaseForm::lower));
         const unsigned width = charset.trailCount(*literal) + 1;
         if (read.next != literal + width || width > 4) return kUnknown;
@@ -158,11 +164,19 @@ NLS_TARGET_AVX512 inline bool hasPlainAsciiForms(const nlsUnicodeCaseStruct& tab
     const uint16_t* const forms = table.casePages[0] + caseIndexOf(0, CaseForm::lower);
     const AsciiForms& plain = kPlainAsciiForms[static_cast<unsigned>(CaseForm::lower)];
     constexpr std::size_t kEntries = kTextBlock / sizeof plain[0];
-    __m512i different = _mm512_setzero_si512();
-    for (std::size_t i = 0; i != plain.size(); i += kEntries)
-        different = _mm512_or_si512(
-            different, _mm512_xor_si512(_mm512_loadu_si512(forms + i), _mm512_load_si512(plain.data() + i)));
-    return _mm512_test_epi8_mask(different, different) == 0;
+    const auto different = [&](std::size_t i) NLS_TARGET_AVX512 {
+        return _mm512_xor_si512(_mm512_loadu_si512(forms + i * kEntries), _mm512_load_si512(&plain[i * kEntries]));
+    };
+    static_assert(kAsciiPageEntries / 2 == 4 * kEntries);
+    const __m512i any =
+        _mm512_or_si512(_mm512_or_si512(different(0), different(1)), _mm512_or_si512(different(2), different(3)));
+    return _mm512_test_epi8_mask(any, any) == 0;
+}
+
+NLS_TARGET_AVX512 inline __m512i lowerAscii(__m512i bytes) {
+    const __mmask64 capitals =
+        _mm512_cmplt_epu8_mask(_mm512_sub_epi8(bytes, _mm512_set1_epi8('A')), _mm512_set1_epi8(26));
+    return _mm512_or_si512(bytes, _mm512_maskz_set1_epi8(capitals, 0x20));
 }
 
 // The last two bytes of the lower forms of a page of characters, by the low six bits of the characters' last byte.
@@ -201,9 +215,7 @@ NLS_TARGET_AVX512 inline FormRow lowerFormsOf(const uint16_t* page, unsigned cha
 NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const Leads& leads,
                                         const unsigned char* source, Utf8& text) {
     const __m512i bytes = text.bytes;
-    const __mmask64 capitals =
-        _mm512_cmplt_epu8_mask(_mm512_sub_epi8(bytes, _mm512_set1_epi8('A')), _mm512_set1_epi8(26));
-    text.bytes = _mm512_or_si512(bytes, _mm512_maskz_set1_epi8(capitals, 0x20));
+    text.bytes = lowerAscii(bytes);
     std::uint64_t three = leads.two & text.characters.starts;
     if (three != 0) three &= lanesOf(bytes, 0xE1) | lanesOf(bytes, 0xE2) | lanesOf(bytes, 0xEF);
     for (; three != 0; three = _blsr_u64(three)) {
@@ -217,13 +229,11 @@ NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const
         const unsigned char lead = source[_tzcnt_u64(left)];
         const std::uint64_t same = lanesOf(bytes, lead) & left;
         left &= ~same;
-        if (table.casePages[lead] == kNoCasePage) continue;
         const FormRow row = lowerFormsOf(table.casePages[lead], lead);
         text.bytes = _mm512_mask_permutexvar_epi8(text.bytes, same << 1, bytes, row.last);
         fronts = _mm512_mask_permutexvar_epi8(fronts, same << 1, bytes, row.before);
         lasts |= same << 1;
     }
-    if (lasts == 0) return true;
     alignas(kTextBlock) static constexpr std::array<unsigned char, kTextBlock> kNext = [] {
         std::array<unsigned char, kTextBlock> places{};
         for (unsigned i = 0; i != kTextBlock; ++i) places[i] = static_cast<unsigned char>((i + 1) % kTextBlock);
@@ -233,8 +243,32 @@ NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const
     return _mm512_mask_testn_epi8_mask(lasts, fronts, fronts) == 0;
 }
 
-bool isOrdinary(const TextBlock& block, const LikeSigns& signs, const unsigned char* pattern) {
-    return block.ended && block.length != 0 && *pattern != 0 && signs.single != signs.multi;
+// Has no character of the text that isn't ASCII an ASCII letter as its form? One of three bytes never has.
+NLS_TARGET_AVX512 inline bool keepsOutOfAscii(const nlsUnicodeCaseStruct& table, const Leads& leads,
+                                              const unsigned char* source, const Utf8& text) {
+    constexpr unsigned kLowerHalf = kCasePageEntries / 2, kEntries = kTextBlock / 2;
+    std::uint64_t left = leads.one & text.characters.starts;
+    __mmask32 ascii = 0;
+    do {  // once at least: whether a text is ASCII no branch foresees
+        const unsigned char lead = source[_tzcnt_u64(left) % kTextBlock];
+        const __mmask32 counts = left != 0 ? ~__mmask32{0} : 0;
+        left &= ~lanesOf(text.bytes, lead);
+        for (unsigned i = 0; i != kCasePageEntries / 2; i += kEntries) {
+            const __m512i forms = _mm512_loadu_si512(table.casePages[lead] + kLowerHalf + i);
+            ascii |= counts &
+                     _mm512_cmplt_epu16_mask(_mm512_sub_epi16(forms, _mm512_set1_epi16(1)), _mm512_set1_epi16(0x7F));
+        }
+    } while (left != 0);
+    return ascii == 0;
+}
+
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS inline bool isAscii(const unsigned char* text) {
+    const TextBlock block = textBlockAt(text);
+    return block.ended && (_mm512_movepi8_mask(block.bytes) & firstLanes(block.length)) == 0;
+}
+
+bool isOrdinary(const TextBlock& block, const LikeSigns& signs) {
+    return block.ended && signs.single != signs.multi;
 }
 
 }  // namespace
@@ -244,7 +278,7 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchPairsAvx512(const Chars
                                                                      const unsigned char* pattern,
                                                                      const unsigned char* text) {
     const TextBlock block = textBlockAt(text);
-    if (!isOrdinary(block, signs, pattern)) return LikeAnswer::unknown;
+    if (!isOrdinary(block, signs)) return LikeAnswer::unknown;
     const std::uint64_t all = firstLanes(block.length);
     const Leads leads = leadsOf(charset, block.bytes);
     const std::uint64_t trails = trailsOfPairs(leads.one & all);
@@ -256,19 +290,22 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchPairsAvx512(const Chars
     return odd != 0 ? LikeAnswer::unknown : follow(pairs, charset, signs, pattern);
 }
 
-NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchUtf8Avx512(const nlsAttribStruct& attrib,
+NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchUtf8Avx512(const Charset& charset,
                                                                     const nlsUnicodeCaseStruct* table,
                                                                     const LikeSigns& signs,
                                                                     const unsigned char* pattern,
                                                                     const unsigned char* text) {
     const TextBlock block = textBlockAt(text);
-    if (!isOrdinary(block, signs, pattern)) return LikeAnswer::unknown;
-    const Charset charset{attrib};
+    if (!isOrdinary(block, signs)) return LikeAnswer::unknown;
     const Leads leads = leadsOf(charset, block.bytes);
     Utf8 utf8{utf8Characters(leads, block), charset, table, block.bytes};
     if (utf8.characters.length == 0) return LikeAnswer::unknown;
     if (table != nullptr) {
-        if (!hasPlainAsciiForms(*table) || !lowerUtf8(*table, leads, text, utf8)) return LikeAnswer::unknown;
+        if (!hasPlainAsciiForms(*table)) return LikeAnswer::unknown;
+        if (isAscii(pattern) && keepsOutOfAscii(*table, leads, text, utf8))
+            utf8.bytes = lowerAscii(utf8.bytes);
+        else if (!lowerUtf8(*table, leads, text, utf8))
+            return LikeAnswer::unknown;
     }
     return follow(utf8, charset, signs, pattern);
 }

@@ -2,7 +2,6 @@
 // before anything is prepared.
 #pragma once
 
-#include "chars/lchar.hpp"
 #include "chars/stepping.hpp"
 #include "collation/weights.hpp"
 #include "convmap/case_pages.hpp"
@@ -20,48 +19,65 @@ inline bool mayBeSign(const Charset& charset, const LikeSigns& signs, unsigned c
     return first == signs.escape || first == signs.single || first == signs.multi;
 }
 
-// Do the first bytes tell that the first characters differ, and is the pattern's no sign? Neither text has ended there,
-// and both weigh something. REQUIRES: the weights are those of byte tables that compare the charset as it is.
+// Of a byte that is a character.
+inline nlsLChar lowerFormOf(const nlsUnicodeCaseStruct& table, unsigned char byte) {
+    if (byte >= 0x80) return caseFormOf(table.casePages, byte, CaseForm::lower);
+    const nlsLChar form = table.casePages[0][caseIndexOf(byte, CaseForm::lower)];
+    return form != 0 ? form : byte;
+}
+
+// Do the first bytes tell that the first characters differ, and is the pattern's no sign? Under the weights of byte
+// tables; and where characters are compared by their own values, or with a table by their lower forms.
 inline bool differAtOnce(WeightMap weights, const Charset& charset, const LikeSigns& signs, unsigned char wanted,
                          unsigned char is) {
     if (wanted == 0 || is == 0 || mayBeSign(charset, signs, wanted)) return false;
-    const unsigned ofWanted = weights.entry(wanted), ofText = weights.entry(is);
-    return ofWanted != ofText && ofWanted != 0 && ofText != 0;
+    const int ofWanted = weights.entry(wanted), ofText = weights.entry(is);
+    return ((ofWanted - 1) | (ofText - 1)) >= 0 && ofWanted != ofText;  // neither is an expansion
 }
-
-// In line with the walk, for the characters that most text has.
-inline nlsLChar lowerFormAt(const nlsUnicodeCaseStruct& table, const Charset& charset, const unsigned char* place) {
-    const unsigned char first = *place;
-    const unsigned trails = charset.trailCount(first);
-    if (trails == 0 && first < 0x80) {
-        const nlsLChar form = table.casePages[0][caseIndexOf(first, CaseForm::lower)];
-        return form != 0 ? form : first;
-    }
-    if (trails == 1 && place[1] != 0)
-        return caseFormOf(table.casePages, nlsLChar{first} << 8 | place[1], CaseForm::lower);
-    return caseFormOf(table.casePages, readLChar(charset, place).value, CaseForm::lower);
-}
-
-// The same where characters are compared by their own values: byte by byte, or with a table by their lower forms.
 inline bool differAtOnce(const nlsUnicodeCaseStruct* table, const Charset& charset, const LikeSigns& signs,
-                         const unsigned char* pattern, const unsigned char* text) {
-    const unsigned char wanted = *pattern, is = *text;
-    if (wanted == 0 || is == 0 || mayBeSign(charset, signs, wanted)) return false;
-    const bool single = charset.trailCount(wanted) == 0;
-    if (table == nullptr) return wanted != is || (!single && pattern[1] != 0 && text[1] != 0 && pattern[1] != text[1]);
-    if (wanted == is && single) return false;
-    return lowerFormAt(*table, charset, pattern) != lowerFormAt(*table, charset, text);
+                         unsigned char wanted, unsigned char is) {
+    if (wanted == 0 || is == 0 || wanted == is || mayBeSign(charset, signs, wanted)) return false;
+    if (table == nullptr) return true;
+    return (charset.trailCount(wanted) | charset.trailCount(is)) == 0 &&
+           lowerFormOf(*table, wanted) != lowerFormOf(*table, is);
 }
 
-// Passes over each `single` of one byte that a pattern begins with, but for its last element, and over the characters
-// that they take.
-inline void passSingles(const Charset& charset, const LikeSigns& signs, const unsigned char*& pattern,
-                        const unsigned char*& text) {
-    while (*pattern == signs.single && *pattern != signs.escape && charset.trailCount(*pattern) == 0 && *pattern != 0 &&
-           pattern[1] != 0 && *text != 0) {
-        ++pattern;
-        text = characterEnd(charset, text);
+// Walks along both as long as neither ends, and the pattern has literals and each `single` of one byte. Where that
+// doesn't tell the answer, the walk of the pattern goes on from the places it has come to. `Rule` says of two
+// characters, or of two bytes that are characters, whether they are equal, or that it doesn't know.
+template <typename Rule>
+[[gnu::always_inline]] inline LikeAnswer openLike(const Rule& rule, const LikeSigns& signs,
+                                                  const unsigned char*& pattern, const unsigned char*& text) {
+    const Charset charset = rule.charset;
+    if (*pattern == 0 || *text == 0) return LikeAnswer::unknown;
+    for (;;) {
+        const unsigned char wanted = *pattern, is = *text;
+        const bool areBytes = (charset.trailCount(wanted) | charset.trailCount(is)) == 0;
+        if (!mayBeSign(charset, signs, wanted)) {
+            const LikeAnswer equal = areBytes ? rule.areBytesEqual(wanted, is) : rule.areEqual(pattern, text);
+            if (equal != LikeAnswer::yes) return equal;
+        } else if (wanted != signs.single || wanted == signs.escape || charset.trailCount(wanted) != 0) {
+            return LikeAnswer::unknown;
+        }
+        const unsigned char* const patternNext = areBytes ? pattern + 1 : characterEnd(charset, pattern);
+        const unsigned char* const textNext = areBytes ? text + 1 : characterEnd(charset, text);
+        if (*textNext == 0) return *patternNext == 0 ? LikeAnswer::yes : LikeAnswer::unknown;
+        if (*patternNext == 0) return LikeAnswer::no;
+        pattern = patternNext;
+        text = textNext;
     }
+}
+
+// The same with a `multi` behind it and a short text: `rule` is asked for the rest of both.
+template <typename Rule>
+[[gnu::always_inline]] inline LikeAnswer openLikeAndGoOn(const Rule& rule, const LikeSigns& signs,
+                                                         const unsigned char*& pattern, const unsigned char*& text) {
+    const LikeAnswer answer = openLike(rule, signs, pattern, text);
+    if (answer != LikeAnswer::unknown || !isMulti(signs, *pattern) || rule.charset.trailCount(*pattern) != 0)
+        return answer;
+    if (pattern[1] == 0) return LikeAnswer::yes;
+    if (*text == 0) return LikeAnswer::no;
+    return rule.matchShort(signs, pattern + 1, text);
 }
 
 }  // namespace nls

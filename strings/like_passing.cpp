@@ -11,82 +11,114 @@
 
 namespace nls {
 
-void FirstBytes::add(unsigned char byte) {
-    if (has_[byte]) return;
-    has_[byte] = true;
-    if (count_ < kFew) few_[count_] = byte;
-    ++count_;
+void FirstBytes::begin(const unsigned char* text, const unsigned char* end) {
+    end_ = end;
+    if (!few_.isAny() && few_.count() != 0 && text != end) scan_.emplace(Probes{few_, {}, 0, {}, 0}, text, end);
 }
 
-const unsigned char* FirstBytes::find(const unsigned char* text, const unsigned char* end) const {
-    if (count_ == 0) return end;
-    if (count_ > kFew) return findOneByOne(text, end);
-    constexpr std::ptrdiff_t kBlock = sizeof(__m128i);
-    // With fewer of them one is asked for twice.
-    const auto row = [this](std::size_t i) { return _mm_set1_epi8(static_cast<char>(few_[std::min(i, count_ - 1)])); };
-    const __m128i a = row(0), b = row(1), c = row(2);
-    for (; end - text >= kBlock; text += kBlock) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
-        const __m128i found =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, a), _mm_cmpeq_epi8(bytes, b)), _mm_cmpeq_epi8(bytes, c));
-        if (const auto lanes = static_cast<unsigned>(_mm_movemask_epi8(found))) return text + std::countr_zero(lanes);
+const unsigned char* FirstBytes::find(const unsigned char* place) {
+    if (!scan_) {
+        while (place < end_ && !has_[*place]) ++place;
+        return place;
     }
-    return findOneByOne(text, end);
+    if (place >= end_) return place;
+    scan_->skipTo(place);
+    const unsigned char* found = scan_->next();
+    while (found != nullptr && found < place) found = scan_->next();
+    return found == nullptr ? end_ : found;
 }
 
-const unsigned char* FirstBytes::findOneByOne(const unsigned char* text, const unsigned char* end) const {
-    while (text != end && !has_[*text]) ++text;
-    return text;
+namespace {
+
+constexpr unsigned kByteValues = 256, kLanes = sizeof(__m128i);
+
+__m128i sixteen(const unsigned char* entries) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(entries));
 }
+
+// Calls `take` with the number of each bit.
+template <typename Take>
+void forEachBit(unsigned bits, Take take) {
+    for (; bits != 0; bits &= bits - 1) take(static_cast<unsigned>(std::countr_zero(bits)));
+}
+
+}  // namespace
 
 FirstBytes bytesWeighing(WeightMap weights, unsigned char weight) {
     FirstBytes bytes;
-    for (unsigned i = 1; i != 256; ++i) {
-        const auto byte = static_cast<unsigned char>(i);
-        const unsigned char own = weights.entry(byte);
-        if (weight == 0 || own == 0 || own == weight) bytes.add(byte);
+    const __m128i zero = _mm_setzero_si128(), wanted = _mm_set1_epi8(static_cast<char>(weight));
+    for (unsigned i = 0; i != kByteValues; i += kLanes) {
+        const __m128i entries = sixteen(weights.entries() + i);
+        const __m128i equal = _mm_or_si128(_mm_cmpeq_epi8(entries, wanted), _mm_cmpeq_epi8(entries, zero));
+        unsigned lanes = weight == 0 ? 0xFFFF : static_cast<unsigned>(_mm_movemask_epi8(equal));
+        if (i == 0) lanes &= ~1U;  // no text has a NUL
+        forEachBit(lanes, [&](unsigned lane) { bytes.add(static_cast<unsigned char>(i + lane)); });
     }
     return bytes;
 }
 
 namespace {
 
-// Has a page the low 16 bits of a form among its lower forms?
-bool hasLowerForm(const uint16_t* page, unsigned entries, nlsLChar form) {
-    const uint16_t* const forms = page + entries / 2;
-    return std::find(forms, page + entries, static_cast<uint16_t>(form)) != page + entries;
+constexpr unsigned kForms = sizeof(__m128i) / sizeof(uint16_t);  // looked at together
+
+__m128i areForm(const uint16_t* forms, nlsLChar form) {
+    const __m128i found = _mm_loadu_si128(reinterpret_cast<const __m128i*>(forms));
+    return _mm_cmpeq_epi16(found, _mm_set1_epi16(static_cast<short>(form)));
 }
 
-// May a character of several bytes, or what is left of it in front of the NUL, have a form? One of three bytes keeps
-// its first byte; one of two bytes has its forms on the page of its first byte.
-bool longMayHaveForm(const nlsUnicodeCaseStruct& table, unsigned char first, nlsLChar form) {
+// Is it a lower form on a page other than that of ASCII?
+bool hasLowerForm(const uint16_t* page, nlsLChar form) {
+    constexpr unsigned kHalf = kCasePageEntries / 2;
+    __m128i any = _mm_setzero_si128();
+    for (unsigned i = 0; i != kHalf; i += kForms) any = _mm_or_si128(any, areForm(page + kHalf + i, form));
+    return _mm_movemask_epi8(any) != 0;
+}
+
+// Single bytes: those from 0x80 on have the forms of ASCII, or themselves.
+void addSingleBytes(const nlsUnicodeCaseStruct& table, const Charset& charset, nlsLChar form, FirstBytes& bytes) {
+    if (form > 0xFFFF) return;
+    const auto add = [&](unsigned byte) {
+        if (charset.trailCount(static_cast<unsigned char>(byte)) == 0) bytes.add(static_cast<unsigned char>(byte));
+    };
+    const uint16_t* const forms = table.casePages[0] + kAsciiPageEntries / 2;
+    for (unsigned i = 0; i != kAsciiPageEntries / 2; i += kForms) {
+        forEachBit(static_cast<unsigned>(_mm_movemask_epi8(areForm(forms + i, form))), [&](unsigned bit) {
+            add(i + bit / 2);
+            add((i + bit / 2) | 0x80);
+        });
+    }
+    if (form <= 0xFF) add(form);
+}
+
+// Characters of several bytes. One of three bytes keeps its first byte, and so does any without a form; one of two has
+// its forms on the page of its first byte.
+void addLongOnes(const nlsUnicodeCaseStruct& table, const Charset& charset, nlsLChar form, FirstBytes& bytes) {
     for (unsigned shift = 8; shift != 32; shift += 8)
-        if (form >> shift == first) return true;
-    const uint16_t* const page = table.casePages[first];
-    return form <= 0xFFFF && page != kNoCasePage && hasLowerForm(page, entriesOfCasePage(first), form);
+        if (form >> shift != 0 && form >> shift <= 0xFF) bytes.add(static_cast<unsigned char>(form >> shift));
+    if (form > 0xFFFF) return;
+    for (unsigned i = 0; i != kByteValues; i += kLanes) {
+        const __m128i trails = _mm_and_si128(sixteen(charset.lengths() + i), _mm_set1_epi8(Charset::kTrailCountBits));
+        const __m128i one = _mm_cmpeq_epi8(trails, _mm_set1_epi8(1));
+        forEachBit(static_cast<unsigned>(_mm_movemask_epi8(one)), [&](unsigned lane) {
+            const uint16_t* const page = table.casePages[i + lane];
+            if (page != kNoCasePage && hasLowerForm(page, form)) bytes.add(static_cast<unsigned char>(i + lane));
+        });
+    }
 }
 
 }  // namespace
 
 FirstBytes bytesOfForm(const nlsUnicodeCaseStruct& table, const Charset& charset, nlsLChar form) {
-    constexpr unsigned kLongest = 3;  // trailing bytes; a character with more is "?"
-    const bool ofQuestionMark = caseFormOf(table.casePages, '?', CaseForm::lower) == form;
     FirstBytes bytes;
-    for (unsigned i = 1; i != 256; ++i) {
+    addSingleBytes(table, charset, form, bytes);
+    addLongOnes(table, charset, form, bytes);
+    if (caseFormOf(table.casePages, '?', CaseForm::lower) != form) return bytes;
+    constexpr unsigned kLongest = 3;  // trailing bytes; a character with more is "?"
+    for (unsigned i = 0; i != kByteValues; ++i) {
         const auto byte = static_cast<unsigned char>(i);
-        const unsigned trails = charset.trailCount(byte);
-        if (caseFormOf(table.casePages, byte, CaseForm::lower) == form || (trails > kLongest && ofQuestionMark) ||
-            (trails != 0 && longMayHaveForm(table, byte, form)))
-            bytes.add(byte);
+        if (charset.trailCount(byte) > kLongest) bytes.add(byte);
     }
     return bytes;
-}
-
-CharsetLengths lengthsOf(const Charset& charset) {
-    unsigned longest = 0;
-    for (unsigned byte = 0; byte != 256; ++byte)
-        longest = std::max(longest, charset.trailCount(static_cast<unsigned char>(byte)));
-    return {charset, longest};
 }
 
 const unsigned char* endOfText(const unsigned char* text) {

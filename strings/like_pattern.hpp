@@ -15,6 +15,11 @@ struct LikeSigns {
     nlsLChar multi;
 };
 
+// Is a byte that is a character a wildcard `multi`, whatever follows?
+constexpr bool isMulti(const LikeSigns& signs, unsigned char byte) {
+    return byte == signs.multi && byte != signs.single && byte != signs.escape && byte != 0;
+}
+
 enum LikeVerdict : int32_t { kLikeBadPattern = -1, kLikeNoMatch = 0, kLikeMatch = 1 };
 
 // What a faster way says, if it says anything.

@@ -101,6 +101,10 @@ private:
 
     // The place behind the first part of the text that fits a whole segment; null if none does.
     const unsigned char* firstFit(const LikeSegment& segment, const unsigned char* text) const {
+        const Fit found = fit(segment.begin, segment.count, text);
+        if (found.result == Fit::Result::fits) return found.end;
+        if (found.result == Fit::Result::textTooShort) return nullptr;
+        text = characters_.next(text);
         if constexpr (requires { characters_.passing(signs_, segment); })
             return firstFit(segment, text, characters_.passing(signs_, segment));
         else
@@ -108,11 +112,11 @@ private:
     }
     template <typename Passing>
     const unsigned char* firstFit(const LikeSegment& segment, const unsigned char* text, Passing passing) const {
-        for (;;) {
+        for (;; text = characters_.next(text)) {
+            text = passing(text);
             const Fit found = fit(segment.begin, segment.count, text);
             if (found.result == Fit::Result::fits) return found.end;
             if (found.result == Fit::Result::textTooShort) return nullptr;
-            text = passing(characters_.next(text));
         }
     }
 

@@ -94,6 +94,32 @@ TEST_P(Like, CharactersThatOnlyTheComparisonKnows) {
     EXPECT_EQ(seen_[2], 6U);
 }
 
+// At the beginning of a text, at its end, and at the end of a long one.
+TEST_P(Like, CharactersThatFewAreEqualTo) {
+    const struct {
+        const char *world, *literal, *text;
+    } rows[] = {
+        {"shift-jis, crowded, kind 1", "a", "\xE0 "},  // a blank behind what weighs as the letter
+        {"shift-jis, crowded, kind 1", "\xE0 ", "a"},
+        {"shift-jis, crowded, kind 1", "\x81s", "\xDF"},  // an expansion beside its two letters
+        {"shift-jis, crowded, kind 1", "\xDF", "\x81s"},
+        {"utf8, kind 3", "i", "\xC4\xB0"},  // forms on another page, and of another length
+        {"utf8, kind 3", "\xD1\x80", "\xD0\xA0"},
+        {"utf8, kind 3", "c", "\xC3"},  // a first byte alone
+        {"utf8, first bytes alone, kind 3", "a", "\xC1"},
+        {"utf8, kind 3", "?", "\xF9\x80\x80\x80\x80"},
+    };
+    for (const auto& row : rows) {
+        const LikeWorld& world = worlds_.at(row.world);
+        const std::string literal = row.literal;
+        seen_[2] = 0;
+        expect(world, literal, row.text, 0, kUsual);
+        expect(world, '%' + literal, std::string("x") + row.text, 0, kUsual);
+        expect(world, '%' + literal + '%', std::string(100, 'x') + row.text, 0, kUsual);
+        EXPECT_EQ(seen_[2], 3U) << row.world << ": " << testing::PrintToString(literal);
+    }
+}
+
 TEST(LikeDoor, ChecksInTheirOrder) {
     CollatedLocale made{nls::test::singleByteCharset(), nls::test::plainCollation()};
     nlsLocale& locale = *made.get();

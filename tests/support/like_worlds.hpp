@@ -46,6 +46,11 @@ public:
         addMade("shift-jis", 3, sjisCharset());
         addMade("no collation", 1, singleByteCharset()).coll = nullptr;
         addMade("no collation, shift-jis", 1, sjisCharset()).coll = nullptr;
+        // First bytes of two that weigh as a letter, as the letter of an expansion, and as an expansion.
+        addMade("shift-jis, crowded", 1, sjisCharset());
+        made_.back()->coll().foldMap[0xE0] = made_.back()->coll().foldMap[unsigned{'a'}];
+        made_.back()->coll().foldMap[0x81] = made_.back()->coll().foldMap[unsigned{'s'}];
+        made_.back()->coll().foldMap[0x8E] = 0;
         nlsAttribStruct noBridge = eucCharset();
         addMade("no bridge", 1, noBridge);
         noBridge = singleByteCharset();
