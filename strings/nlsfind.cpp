@@ -25,6 +25,7 @@ nlsStatus checkSearch(const nlsLocale* locale, const unsigned char* pattern, con
 [[gnu::noinline]] nlsStatus searchInFull(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                                          const unsigned char* text, uint16_t compareMode, uint32_t* pos, uint32_t* end,
                                          const unsigned char** found) {
+    (void)nls::cpuLevel();
     if (const nlsStatus bad = checkSearch(locale, pattern, text, pos, found)) return bad;
     return nls::searchAndTell(locale, tls, pattern, text, compareMode, pos, end, found);
 }
@@ -40,21 +41,27 @@ nlsStatus nlsSearchForwBase(const nlsLocale* locale, nlsTlsBlock* tls, const uns
 }
 
 // Most searches are short. What they need is asked here, and all else is left to functions that take over the arguments
-// of this one as they are.
+// of this one as they are: one that doesn't know the processor yet, too, so that nothing has to be called from here.
 nlsStatus nlsSearchForw(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                         const unsigned char* text, uint16_t compareMode, uint32_t* pos, uint32_t* end,
                         const unsigned char** found) {
     const bool given = pattern != nullptr && text != nullptr && found != nullptr;
-    if (!given || nls::checkLocale(locale) != NLS_OK)
+    const nls::CpuLevel level = nls::knownCpuLevel();
+    if (!given || nls::checkLocale(locale) != NLS_OK || level < nls::CpuLevel::baseline)
         return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
-    const bool wide = nls::cpuLevel() >= nls::CpuLevel::avx512;
-    if (!nls::maySearchShort(*locale, compareMode)) {
-        if (wide && nls::maySearchShortChars(*locale, compareMode))
-            return nls::searchShortChars(locale, tls, pattern, text, compareMode, pos, end, found);
-        return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
+    const bool wide = level >= nls::CpuLevel::avx512;
+    const nls::ShortWay way = nls::shortWayOf(*locale, compareMode);
+    if (way == nls::ShortWay::entries) {
+        if (wide) return nls::searchShortAvx512(locale, tls, pattern, text, compareMode, pos, end, found);
+        return nls::searchShortPlain(locale, tls, pattern, text, compareMode, pos, end, found);
     }
-    if (wide) return nls::searchShortAvx512(locale, tls, pattern, text, compareMode, pos, end, found);
-    return nls::searchShortPlain(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (wide && way == nls::ShortWay::bytes)
+        return nls::searchShortByBytes(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (wide && way == nls::ShortWay::lowerForms)
+        return nls::searchShortByForms(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (wide && way == nls::ShortWay::weights)
+        return nls::searchShortByWeights(locale, tls, pattern, text, compareMode, pos, end, found);
+    return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
 }
 
 nlsStatus nlsSearchForwWithEscape(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,

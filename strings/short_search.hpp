@@ -1,5 +1,5 @@
-// A short text of single bytes, searched at once: what a search in a column comes to. The pattern is taken as it is,
-// since there is no time to prepare it.
+// A short text, searched at once: what a search in a column comes to. The pattern is taken as it is, since there is no
+// time to prepare it.
 //
 // These have the arguments of nlsSearchForw in their places, so that jumps hand them on and nothing is saved on the
 // way; what isn't short after all goes on to searchAndTell. Tested by tests/strings/search_test.cpp.
@@ -12,21 +12,26 @@
 
 namespace nls {
 
-// Do entries decide, where characters have one byte? In line with the call: a few questions.
-inline bool maySearchShort(const nlsLocale& locale, uint16_t mode) {
-    return locale.attrib != nullptr && locale.coll != nullptr && isByteMode(mode) && comparesSingleBytes(locale) &&
-           WeightMap::of(*locale.coll, mode).entry(' ') != 0;
+// By what a short text may be searched: in charsets of single bytes by their entries, elsewhere as
+// strings/short_chars_avx512.cpp does it.
+enum class ShortWay { none, entries, bytes, lowerForms, weights };
+
+// In line with the call: a few questions.
+inline ShortWay shortWayOf(const nlsLocale& locale, uint16_t mode) {
+    if (locale.attrib == nullptr || locale.coll == nullptr) return ShortWay::none;
+    const Charset charset{*locale.attrib};
+    const bool weighs = isByteMode(mode) && WeightMap::of(*locale.coll, mode).entry(' ') != 0;
+    if (comparesSingleBytes(locale)) return weighs ? ShortWay::entries : ShortWay::none;
+    if (!charset.isMultiByte()) return ShortWay::none;
+    if (kindOf(*locale.coll) == CollKind::unicode) {
+        if (mode != 0) return ShortWay::bytes;
+        return locale.caseTable != nullptr && charset.isUtf8() ? ShortWay::lowerForms : ShortWay::none;
+    }
+    const bool asTheyAre = comparesByTables(*locale.coll) && !charset.comparesViaSjis();
+    return weighs && asTheyAre ? ShortWay::weights : ShortWay::none;
 }
 
-// May characters be equal to those of their own length alone, each by its first byte's entry, or as its bytes?
-inline bool maySearchShortChars(const nlsLocale& locale, uint16_t mode) {
-    if (locale.attrib == nullptr || locale.coll == nullptr || !Charset{*locale.attrib}.isMultiByte()) return false;
-    if (kindOf(*locale.coll) == CollKind::unicode) return mode != 0;
-    return comparesByTables(*locale.coll) && isByteMode(mode) && !comparesSingleBytes(locale) &&
-           !Charset{*locale.attrib}.comparesViaSjis() && WeightMap::of(*locale.coll, mode).entry(' ') != 0;
-}
-
-// REQUIRES: maySearchShort, and no argument but `tls` is null.
+// By entries. REQUIRES: no argument but `tls` is null.
 nlsStatus searchShortPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                            const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
                            const unsigned char** found);
@@ -35,10 +40,15 @@ nlsStatus searchShortAvx512(const nlsLocale* locale, nlsTlsBlock* tls, const uns
                             const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
                             const unsigned char** found);
 
-// The same, for longer characters. REQUIRES: maySearchShortChars, no argument but `tls` is null, and the processor has
-// AVX-512.
-nlsStatus searchShortChars(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
-                           const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
-                           const unsigned char** found);
+// In the other ways. REQUIRES: the same.
+nlsStatus searchShortByBytes(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                             const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                             const unsigned char** found);
+nlsStatus searchShortByForms(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                             const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                             const unsigned char** found);
+nlsStatus searchShortByWeights(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                               const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                               const unsigned char** found);
 
 }  // namespace nls

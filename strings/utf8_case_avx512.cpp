@@ -1,184 +1,13 @@
-// Case in blocks of 64 bytes of regular UTF-8.
-//
-// A form replaces the last two bytes of its character, and where it keeps the length all other bytes stay. The page of
-// a character is chosen by the bytes before its last one, and its last one is the index into 64 entries: a row of forms
-// fits two registers, one for each byte, and a shuffle looks up all characters of the row in a block at once. Text uses
-// few rows; the page without forms needs no look-up.
-#include <immintrin.h>
-
-#include <array>
-
-#include "collation/ascii_case.hpp"
-#include "core/base/cpu.hpp"
 #include "strings/utf8_case.hpp"
+#include "strings/utf8_case_block_avx512.hpp"
 
 namespace nls {
 namespace {
 
-constexpr unsigned kRowEntries = kCasePageEntries / 2;
-constexpr unsigned kBlock = 64;
-
-// By first byte: the trail count. C0, C1 and F5 to FF count differently from charset to charset: blocks leave them out.
-constexpr bool isRegular(unsigned byte) {
-    return byte != 0xC0 && byte != 0xC1 && byte < 0xF5;
-}
-alignas(64) constexpr std::array<unsigned char, 256> kTrails = [] {
-    std::array<unsigned char, 256> trails{};
-    for (unsigned byte = 0xC2; byte < 0xF5; ++byte)
-        trails[byte] = static_cast<unsigned char>(byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3);
-    return trails;
-}();
-alignas(64) constexpr std::array<unsigned char, 256> kCounted = [] {
-    std::array<unsigned char, 256> bits{};
-    for (unsigned byte = 0; byte < 256; ++byte) bits[byte] = isRegular(byte) ? 0x07 : 0;
-    return bits;
-}();
-
-NLS_TARGET_AVX512 inline __m512i load(const void* place) {
-    return _mm512_loadu_si512(place);
-}
-
-// Rows of forms in the shape of the shuffles, made when a text first needs one.
-class Rows {
-public:
-    Rows(const uint16_t* const (&pages)[kCasePages], CaseForm form)
-        : pages_(pages), half_(static_cast<unsigned>(form) * kRowEntries) {}
-
-    struct Row {
-        __m512i before, last;  // by the low six bits of the last byte: the last two bytes of the form
-    };
-
-    bool isEmpty(unsigned page) const { return pages_[page] == kNoCasePage; }
-
-    // `before`: the byte before the last one in characters of the page. REQUIRES: page isn't 0.
-    NLS_TARGET_AVX512 Row of(unsigned page, unsigned char before) {
-        Kept& kept = kept_[page % kKeptRows];
-        if (page_[page % kKeptRows] != page) {
-            page_[page % kKeptRows] = static_cast<uint8_t>(page);
-            make(kept, pages_[page] + half_, before);
-        }
-        return {load(kept.before), load(kept.last)};
-    }
-
-private:
-    static constexpr unsigned kKeptRows = 16;
-
-    struct alignas(64) Kept {
-        unsigned char before[kRowEntries], last[kRowEntries];
-    };
-
-    // A character without a form is its own.
-    NLS_TARGET_AVX512 static void make(Kept& kept, const uint16_t* entries, unsigned char before) {
-        alignas(64) static constexpr std::array<uint16_t, kRowEntries> kLast = [] {
-            std::array<uint16_t, kRowEntries> bytes{};
-            for (unsigned i = 0; i < kRowEntries; ++i) bytes[i] = static_cast<uint16_t>(0x80 + i);
-            return bytes;
-        }();
-        for (unsigned i = 0; i < kRowEntries; i += 32) {
-            const __m512i found = load(entries + i);
-            const __m512i own = _mm512_or_si512(load(&kLast[i]), _mm512_set1_epi16(static_cast<short>(before << 8)));
-            const __m512i forms = _mm512_mask_mov_epi16(found, _mm512_testn_epi16_mask(found, found), own);
-            // Masked, because GCC 12 warns of what its plain form leaves open.
-            const __m256i last = _mm512_maskz_cvtepi16_epi8(~0U, forms);
-            const __m256i front = _mm512_maskz_cvtepi16_epi8(~0U, _mm512_srli_epi16(forms, 8));
-            _mm256_store_si256(reinterpret_cast<__m256i*>(kept.last + i), last);
-            _mm256_store_si256(reinterpret_cast<__m256i*>(kept.before + i), front);
-        }
-    }
-
-    const uint16_t* const (&pages_)[kCasePages];
-    unsigned half_;
-    std::array<uint8_t, kKeptRows> page_{};  // 0: none yet
-    Kept kept_[kKeptRows];
-};
-
-// One bit for each byte of a block.
-struct Shape {
-    uint64_t leads;  // first bytes of longer characters
-    uint64_t two;    // of those of two bytes
-    uint64_t three;  // of those of three bytes
-    unsigned whole;  // bytes of regular whole characters at the front of the block
-};
-
-NLS_TARGET_AVX512 inline Shape shapeOf(__m512i bytes, uint64_t high, unsigned size) {
-    const uint64_t trails = _mm512_cmplt_epi8_mask(bytes, _mm512_set1_epi8(static_cast<char>(0xC0)));
-    const uint64_t leads = high & ~trails;
-    const uint64_t from3 = _mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(static_cast<char>(0xE0)));
-    const uint64_t from4 = _mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(static_cast<char>(0xF0)));
-    const uint64_t odd = _mm512_cmpge_epu8_mask(bytes, _mm512_set1_epi8(static_cast<char>(0xF5))) |
-                         (leads & _mm512_cmplt_epu8_mask(bytes, _mm512_set1_epi8(static_cast<char>(0xC2))));
-    const uint64_t wrong = odd | (trails ^ (leads << 1 | from3 << 2 | from4 << 3));
-    Shape shape{leads, leads & ~from3, from3 & ~from4, static_cast<unsigned>(_tzcnt_u64(wrong))};
-    if (shape.whole > size) shape.whole = size;
-    const uint64_t leadsInFront = _bzhi_u64(leads, shape.whole);
-    if (leadsInFront != 0) {
-        const auto last = static_cast<unsigned>(63 - _lzcnt_u64(leadsInFront));
-        const unsigned length = 2 + static_cast<unsigned>((from3 >> last & 1) + (from4 >> last & 1));
-        if (last + length > shape.whole) shape.whole = last;
-    }
-    return shape;
-}
-
-// What a block becomes. `whole` goes down where a form changes its length.
-struct Mapped {
-    __m512i bytes;
-    unsigned whole;
-};
-
-// The page of characters of three bytes by the first two. REQUIRES: the first has forms, the second trails.
-inline unsigned pageOfThree(unsigned char first, unsigned char second) {
-    return casePageOf(caseKeyOf(unsigned{first} << 16 | unsigned{second} << 8 | 0x80).key);
-}
-
-// The longer characters of a block. `bytes` are the block, `source` the same in memory, `mapped` has its ASCII done.
-NLS_TARGET_AVX512 inline Mapped mapLonger(Rows& rows, const unsigned char* source, __m512i bytes, const Shape& shape,
-                                          __m512i mapped) {
-    const auto equal = [&](unsigned char byte) NLS_TARGET_AVX512 {
-        return static_cast<uint64_t>(_mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(static_cast<char>(byte))));
-    };
-    const uint64_t withForms = shape.three & (equal(0xE1) | equal(0xE2) | equal(0xEF));
-    uint64_t todo = _bzhi_u64(shape.two | withForms << 1, shape.whole);  // the bytes before the last
-    uint64_t lasts = 0;
-    __m512i before = _mm512_setzero_si512();  // those of the forms, at the place of the last byte
-    while (todo != 0) {
-        const auto place = static_cast<unsigned>(_tzcnt_u64(todo));
-        uint64_t same = todo & equal(source[place]);
-        unsigned page = source[place];
-        if ((shape.leads >> place & 1) == 0) {
-            same &= equal(source[place - 1]) << 1;
-            page = pageOfThree(source[place - 1], source[place]);
-        }
-        todo &= ~same;
-        if (rows.isEmpty(page)) continue;
-        const Rows::Row row = rows.of(page, source[place]);
-        mapped = _mm512_mask_permutexvar_epi8(mapped, same << 1, bytes, row.last);
-        before = _mm512_mask_permutexvar_epi8(before, same << 1, bytes, row.before);
-        lasts |= same << 1;
-    }
-    alignas(64) static constexpr std::array<unsigned char, kBlock> kNext = [] {
-        std::array<unsigned char, kBlock> places{};
-        for (unsigned i = 0; i < kBlock; ++i) places[i] = static_cast<unsigned char>((i + 1) % kBlock);
-        return places;
-    }();
-    mapped = _mm512_mask_permutexvar_epi8(mapped, lasts >> 1, load(kNext.data()), before);
-    const uint64_t shorter = _mm512_mask_testn_epi8_mask(lasts, before, before);
-    if (shorter == 0) return {mapped, shape.whole};
-    const uint64_t leadsInFront = shape.leads & (_blsmsk_u64(shorter) >> 1);
-    return {mapped, static_cast<unsigned>(63 - _lzcnt_u64(leadsInFront))};
-}
-
 // Maps what it can at the front of `size` bytes, 1 to 64, and returns how many they are.
-NLS_TARGET_AVX512 inline unsigned mapBlock(Rows& rows, CaseForm form, const unsigned char* source, unsigned size,
-                                           unsigned char* target) {
-    const __m512i bytes = _mm512_maskz_loadu_epi8(_bzhi_u64(~0ULL, size), source);
-    const __m512i fromA = _mm512_sub_epi8(bytes, _mm512_set1_epi8(form == CaseForm::lower ? 'A' : 'a'));
-    const __mmask64 letters = _mm512_cmplt_epu8_mask(fromA, _mm512_set1_epi8(26));
-    const __m512i caseBit = _mm512_maskz_mov_epi8(letters, _mm512_set1_epi8(0x20));
-    Mapped mapped{_mm512_xor_si512(bytes, caseBit), size};
-    if (const uint64_t high = _mm512_movepi8_mask(bytes)) {
-        const Shape shape = shapeOf(bytes, high, size);
-        mapped = mapLonger(rows, source, bytes, shape, mapped.bytes);
-    }
+NLS_TARGET_AVX512 inline unsigned mapInto(Rows& rows, CaseForm form, const unsigned char* source, unsigned size,
+                                          unsigned char* target) {
+    const Mapped mapped = mapBlock(rows, form, source, _mm512_maskz_loadu_epi8(_bzhi_u64(~0ULL, size), source), size);
     _mm512_mask_storeu_epi8(target, _bzhi_u64(~0ULL, mapped.whole), mapped.bytes);
     return mapped.whole;
 }
@@ -187,16 +16,7 @@ NLS_TARGET_AVX512 inline unsigned mapBlock(Rows& rows, CaseForm form, const unsi
 
 NLS_TARGET_AVX512 bool hasUsualUtf8CaseAvx512(const nlsAttribStruct& attrib, const nlsUnicodeCaseStruct& table,
                                               CaseForm form) {
-    const uint16_t* const entries = table.casePages[0] + caseIndexOf(0, form);
-    const AsciiForms& plain = kPlainAsciiForms[static_cast<unsigned>(form)];
-    __m512i odd = _mm512_setzero_si512();
-#pragma GCC unroll 4
-    for (unsigned i = 0; i < 256; i += 64) {
-        const __m512i lengths = _mm512_and_si512(load(attrib.lengthMap + i), load(&kCounted[i]));
-        const __m512i forms = _mm512_xor_si512(load(entries + i / 2), load(&plain[i / 2]));
-        odd = _mm512_or_si512(odd, _mm512_or_si512(forms, _mm512_xor_si512(lengths, load(&kTrails[i]))));
-    }
-    return _mm512_test_epi64_mask(odd, odd) == 0;
+    return hasUsualUtf8Case(attrib, table, form);
 }
 
 NLS_TARGET_AVX512 std::size_t mapUtf8CaseAvx512(const uint16_t* const (&pages)[kCasePages], CaseForm form,
@@ -205,8 +25,8 @@ NLS_TARGET_AVX512 std::size_t mapUtf8CaseAvx512(const uint16_t* const (&pages)[k
     constexpr unsigned kLongestCut = 3;  // bytes of a character that the end of a block cuts short
     std::size_t done = 0;
     while (done != count) {
-        const unsigned size = count - done < kBlock ? static_cast<unsigned>(count - done) : kBlock;
-        const unsigned mapped = mapBlock(rows, form, source + done, size, target + done);
+        const unsigned size = count - done < kCaseBlock ? static_cast<unsigned>(count - done) : kCaseBlock;
+        const unsigned mapped = mapInto(rows, form, source + done, size, target + done);
         done += mapped;
         if (mapped == 0 || mapped + kLongestCut < size) break;
     }

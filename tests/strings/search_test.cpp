@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <ctime>
 
 #include "core/base/cpu.hpp"
@@ -48,6 +49,10 @@ public:
                                      &f.found);
         });
     }
+    Found forwardPlain(const unsigned char* pattern, const unsigned char* text) const {
+        return told(
+            [&](Found& f) { return nlsSearchForw(locale_, nullptr, pattern, text, mode_, &f.pos, &f.end, &f.found); });
+    }
     Found backward(const unsigned char* pattern, const unsigned char* text, int32_t length) const {
         return told(
             [&](Found& f) { return nlsSearchBack(locale_, nullptr, pattern, text, length, mode_, &f.pos, &f.found); });
@@ -79,12 +84,18 @@ protected:
             return by.name + ", mode " + std::to_string(mode) + ": " + hex(pattern) + "in " + hex(text);
         };
         EXPECT_EQ(ours.forward(p, t, 0, kEscape), model.forward(p, t, false, 0)) << where();
-        for (const int32_t escape : {0, kEscape, int32_t{'_'}})
+        EXPECT_EQ(ours.forwardPlain(p, t), model.forward(p, t, false, 0)) << where();
+        const bool escapes = pattern.find_first_of("_\\") != std::string::npos;
+        for (const int32_t escape : {0, kEscape, int32_t{'_'}}) {
+            if (escape != 0 && !escapes) break;
             EXPECT_EQ(ours.forward(p, t, 1, escape), model.forward(p, t, true, escape)) << where() << escape;
-        // More text behind the NUL, as rows stand in a page: it doesn't count.
-        const std::string row = text + '\0' + pattern + text + std::string(64, 'a');
+        }
+        // More text behind the NUL, as rows stand in a page: it doesn't count. Every other row reaches into the next
+        // page.
+        std::string row = text + '\0' + pattern + text + std::string(64, 'a');
+        if (pattern.size() % 2 != 0) row.resize(std::max<std::size_t>(row.size(), kPage + text.size() / 2), 'a');
         const unsigned char* const first = texts_.atEnd(row.data(), row.size());
-        EXPECT_EQ(ours.forward(p, first, 0, 0), model.forward(p, first, false, 0)) << where() << ", a row";
+        EXPECT_EQ(ours.forwardPlain(p, first), model.forward(p, first, false, 0)) << where() << ", a row";
         (void)texts_.atEnd(text.c_str(), text.size() + 1);
         const auto whole = static_cast<int32_t>(text.size());
         for (const int32_t length : {whole, whole + 1})  // the NUL in the span, too
@@ -102,7 +113,7 @@ protected:
     }
     void TearDown() override { limitCpuLevel(CpuLevel::avx512); }
 
-    static constexpr std::size_t kLongest = 70'000;
+    static constexpr std::size_t kLongest = 70'000, kPage = 4096;
     GuardedBuffer patterns_{kLongest}, texts_{2 * kLongest};
 };
 
@@ -123,22 +134,50 @@ TEST_F(Search, EveryShortPatternInEveryShortText) {
     }
 }
 
+// Characters that chance hardly brings together: equal ones of other lengths behind others, forms that aren't what text
+// has, ASCII that folds in its own way.
+TEST_F(Search, RarePairs) {
+    constexpr struct {
+        const char *locale, *head;
+        std::array<const char*, 5> ends;  // each a pattern and a text, behind the same head
+    } rows[] = {
+        {"shift-jis, s as a blank", "aaa", {"s", "\x81\x40", "\x81s", " ", "\x81\x20"}},
+        {"shift-jis, crowded", "aaa", {"b", "\x81\x62", "\x82\x81", "\x91\x62", "\xE0\x62"}},
+        {"utf-8, odd ASCII", "", {"b\xC3\x89", "a\xC3\x89", "a\xC3\xA9", "b", "a"}},
+        {"utf-8, many alike", "x", {"\xC3\xB8", "o", "\xC3\x89\xC3\x8A", "\xE3\x81\x82o", "\xC3\x89\x82o"}},
+    };
+    const std::vector<SearchLocale> all = searchLocales();
+    for (const auto& row : rows) {
+        const auto by =
+            std::find_if(all.begin(), all.end(), [&](const SearchLocale& one) { return one.name == row.locale; });
+        ASSERT_NE(by, all.end()) << row.locale;
+        for (const CpuLevel level : kLevels) {
+            limitCpuLevel(level);
+            for (const std::string pattern : row.ends)
+                for (const std::string text : row.ends)
+                    for (const uint16_t mode : {uint16_t{0}, uint16_t{1}})
+                        expectAll(*by, mode, row.head + pattern, row.head + text);
+        }
+    }
+}
+
 TEST_F(Search, RandomPatternsInRandomTexts) {
     std::mt19937 random{7};
     const std::vector<SearchLocale> all = searchLocales();
+    constexpr std::size_t kLongestOf[] = {20, 30, 30, 70, 70, 70, 70, 800};
     for (unsigned round = 0; round < 30'000 && !HasFailure(); ++round) {
         const SearchLocale& by = all[round % all.size()];
         limitCpuLevel(kLevels[random() % 3]);
         const bool utf8 = (by.locale->attrib().flags & NLS_CHARSET_UTF8) != 0;
-        const SearchPair pair = randomSearchPair(random, by.alphabet, utf8, random() % 8 == 0 ? 800 : 30);
+        const SearchPair pair = randomSearchPair(random, by.alphabet, utf8, kLongestOf[random() % 8]);
         expectAll(by, static_cast<uint16_t>(random() % 2), pair.pattern, pair.text);
     }
 }
 
-// A mebibyte of texts that fail at the last of a thousand characters, or at the first of them, going back: pairs of
+// A quarter of a mebibyte of texts that fail at the last of a thousand characters, or at the first of them, going back: pairs of
 // characters by which every family of locales gets there. The match stands where the almost-matches end.
 TEST_F(Search, AlmostMatchesCostNoMoreThanTheText) {
-    constexpr std::size_t kText = 1 << 20, kPattern = 1 << 10;
+    constexpr std::size_t kText = 1 << 18, kPattern = 1 << 10;
     constexpr struct {
         const char *locale, *common, *rare;
     } rows[] = {
@@ -177,7 +216,7 @@ TEST_F(Search, AlmostMatchesCostNoMoreThanTheText) {
             EXPECT_EQ(ours.backward(bytesOf(pattern), t, whole).pos, want.pos) << row.locale;
             EXPECT_EQ(ours.backward(bytesOf(absent), t, whole).pos, 0U) << row.locale;
         }
-        EXPECT_LT(std::clock() - start, 20 * CLOCKS_PER_SEC) << row.locale;
+        EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC) << row.locale;
     }
 }
 

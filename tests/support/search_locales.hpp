@@ -22,11 +22,16 @@ struct SearchLocale {
 // Case folds as in the C library where the locale is "utf-8", in wild ways where it is "utf-8, wild".
 inline std::vector<SearchLocale> searchLocales() {
     static const MadeTable eucToSjis{4};
-    static MadeCaseTable library, accents, wild;
+    static MadeCaseTable library, accents, wild, oddAscii;
     library.fillFromLibrary();
     accents.fillFromLibrary();
     for (uint32_t a = 0xC3A1; a <= 0xC3A5; ++a) accents.set(a, CaseForm::lower, 0xC3A0);
+    accents.set(0xC3B8, CaseForm::lower, 'o');
+    accents.set(0xC389, CaseForm::lower, 0xE381);
+    accents.set(0xC38A, CaseForm::lower, 0x826F);
     wild.fillWild(1, true);
+    oddAscii.fillFromLibrary();
+    oddAscii.set('b', CaseForm::lower, 'a');
     std::vector<SearchLocale> all;
     const auto add = [&](const char* name, const nlsAttribStruct& attrib, const nlsCollStruct& coll,
                          const char* alphabet) -> nlsLocale& {
@@ -75,12 +80,13 @@ inline std::vector<SearchLocale> searchLocales() {
     all.back().get()->owner->chainHead = &all.back().get()->owner->hdr;
     add("utf-8", utf8Charset(), ofKind(3), "aA\xC3\x89\xA9").caseTable = library.get();
     add("utf-8, many alike", utf8Charset(), ofKind(3), "bx\xC3\xA4\xA5").caseTable = accents.get();
+    add("utf-8, odd ASCII", utf8Charset(), ofKind(3), "ab\xC3\x89").caseTable = oddAscii.get();
     add("utf-8, wild", utf8Charset(), ofKind(3), "a\xC3\x89\xE1 ").caseTable = wild.get();
     add("utf-8 without a case table", utf8Charset(), ofKind(3), "a\xC3\x89 ");
     add("utf-8 by bytes", utf8Charset(), plainCollation(), "aA\xC3\x89 ");
     add("single by code points", singleByteCharset(), ofKind(3), "aA\xDF ");
     add("shift-jis by code points", sjisCharset(), ofKind(3), "a\x81\x40 ");
-    add("odd by code points", oddCharset(), ofKind(3), "\x08\x09\x0A ");
+    add("odd by code points", oddCharset(), ofKind(3), "\x08\x0C\x10 ");
     add("thai", singleByteCharset(), ofKind(4), "a\xA1\xE0\xE8 ");
     add("user sort", singleByteCharset(), ofKind(2), "aA ");
     add("user sort, shift-jis", sjisCharset(), ofKind(2), "aA\x81 ");
