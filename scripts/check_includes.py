@@ -34,7 +34,8 @@ ARROWS = {
     "strings": {"include", "core/base", "chars", "collation", "conversion", "convmap/case_pages.hpp"},
     "tools/mkconvmap": CLIENT | {"core/base", "convmap", "collation/coll_kind.hpp"},
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base", "icu/packaging.hpp",
-                           "icu/slot_names.hpp"},
+                           "icu/slot_names.hpp", "tools/stored"},
+    "tools/stored": CLIENT,
     "bench": CLIENT | {"core/base/cpu.hpp", "tests/support"},
     "fuzz": CLIENT | {"core/base", "tests/support"},
     "tests/support": set(),  # a folder of its own for those who may include it; itself it looks into everything
