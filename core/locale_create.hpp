@@ -28,7 +28,8 @@ CreatedLocale findOrCreateLocale(nlsHandle& handle, LocaleNames names);
 CreatedLocale findOrCreateLastingLocale(nlsHandle& handle, LocaleNames names);
 
 // The locale and the conversion through which a locale of a charset called `charset` compares. The conversion isn't
-// kept anywhere: it is found again on the chain. REQUIRES: the handle isn't marked busy, since both are made like any other.
+// kept anywhere: it is found again on the chain. REQUIRES: the handle isn't marked busy, since both are made like any
+// other.
 nlsStatus makeCompanions(nlsHandle& handle, nlsLocale& locale, const char* charset);
 
 }  // namespace nls

@@ -13,7 +13,7 @@
 namespace nls::real {
 namespace {
 
-constexpr int32_t kThai = 4, kOwnTables = 7;
+constexpr int32_t kOwnTables = 7;
 
 // What a database holds of a locale: no pointer among it.
 struct Stored {
