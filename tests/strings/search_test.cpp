@@ -174,8 +174,8 @@ TEST_F(Search, RandomPatternsInRandomTexts) {
     }
 }
 
-// A quarter of a mebibyte of texts that fail at the last of a thousand characters, or at the first of them, going back: pairs of
-// characters by which every family of locales gets there. The match stands where the almost-matches end.
+// A quarter of a mebibyte of texts that fail at the last of a thousand characters, or at the first of them, going back:
+// pairs of characters by which every family of locales gets there. The match stands where the almost-matches end.
 TEST_F(Search, AlmostMatchesCostNoMoreThanTheText) {
     constexpr std::size_t kText = 1 << 18, kPattern = 1 << 10;
     constexpr struct {
