@@ -55,7 +55,7 @@ int32_t matchByValues(const nlsLocale& locale, uint16_t mode, const unsigned cha
     const Charset charset{*locale.attrib};
     const nlsUnicodeCaseStruct* const table = foldingTable(locale, mode);
     if (mode == 0 && table == nullptr) return walkAny(locale, nullptr, mode, signs, pattern, text);
-    if (differAtOnce(table, charset, signs, *pattern, *text)) return kLikeNoMatch;
+    if (differAtOnce(table, charset, signs, pattern, *text)) return kLikeNoMatch;
     if (table != nullptr) return match(LowerFormRule{charset, table}, locale, mode, signs, pattern, text);
     return match(ValueRule{charset}, locale, mode, signs, pattern, text);
 }

@@ -35,9 +35,12 @@ inline bool differAtOnce(WeightMap weights, const Charset& charset, const LikeSi
     return ((ofWanted - 1) | (ofText - 1)) >= 0 && ofWanted != ofText;  // neither is an expansion
 }
 inline bool differAtOnce(const nlsUnicodeCaseStruct* table, const Charset& charset, const LikeSigns& signs,
-                         unsigned char wanted, unsigned char is) {
+                         const unsigned char* pattern, unsigned char is) {
+    const unsigned char wanted = *pattern;
     if (wanted == 0 || is == 0 || wanted == is || mayBeSign(charset, signs, wanted)) return false;
     if (table == nullptr) return true;
+    // The form of a character of three bytes has three, too, and keeps the first of them.
+    if (charset.trailCount(wanted) == 2) return pattern[1] != 0 && pattern[2] != 0;
     return (charset.trailCount(wanted) | charset.trailCount(is)) == 0 &&
            lowerFormOf(*table, wanted) != lowerFormOf(*table, is);
 }
