@@ -7,7 +7,7 @@ set -euo pipefail
 build=$1 source=$2 work=$3 cc=$4 cxx=$5
 rm -rf "$work"
 mkdir -p "$work"
-unset ZELCONV QRD LD_LIBRARY_PATH
+unset ZELCONV QRD BINPATHX LD_LIBRARY_PATH
 
 cmake --install "$build" --prefix "$work/first" >"$work/install.log"
 mv "$work/first" "$work/moved here"
@@ -49,5 +49,8 @@ unset LD_LIBRARY_PATH
 ln -s "$tree/bin/nls" "$work/nls"
 for nls in "$tree/bin/nls" "$work/nls"; do
     "$nls" convert -f UTF-8 -t SHIFT-JIS "$text" | cmp - "$work/pkg-config.sjis"
+    # So it does ICU's packs, where they were built.
+    [[ ! -d $build/icu/packs ]] || "$nls" doctor | grep -F "the packs of this program" >/dev/null
+    [[ ! -d $build/icu/packs ]] || [[ $("$nls" compare -l UTF-8/ICU-sv Zorn Åkesson) == "<" ]]
 done
 echo "nls: the installed command makes the same of it"

@@ -19,8 +19,21 @@ using nls::test::Answer;
 using nls::test::Folder;
 using nls::test::Words;
 
+// A collator that is opened with a locale stays open: for the sanitizer's search for leaks.
+class KnownLeaks {
+public:
+    KnownLeaks() { folder_.put("known", "leak:libicuuc\nleak:libicui18n\n"); }
+    std::string variable() const { return "LSAN_OPTIONS=print_suppressions=0:suppressions=" + folder_.path("known"); }
+
+private:
+    Folder folder_;
+};
+
 // On the real data file.
-Answer nlsOf(const std::string& line, const std::string& input = {}, const Words& environment = {}) {
+Answer nlsOf(const std::string& line, const std::string& input = {}, Words environment = {}) {
+    static const KnownLeaks leaks;
+    const std::string known = leaks.variable();
+    environment.push_back(known);
     std::istringstream words(line);
     Words all{"-D", NLS_CONVMAP};
     for (std::string word; words >> word;) all.push_back(word);
@@ -114,7 +127,7 @@ TEST(NlsIcu, SortsAndMakesKeysAsIcuItself) {
                 EXPECT_EQ(answer.exit, 0) << answer.err;
                 EXPECT_TRUE(answer.out == joined(sorted)) << order << how;
             }
-            EXPECT_EQ(nlsOf("key --hex" + order, joined(shorter)).out, keysOf(collator, shorter)) << order;
+            EXPECT_TRUE(nlsOf("key --hex" + order, joined(shorter)).out == keysOf(collator, shorter)) << order;
         }
     }
 }

@@ -10,7 +10,7 @@ namespace {
 void tell(const char* variable, uint8_t* version) {
     const char* const value = std::getenv(variable);
     std::memset(version, 0, sizeof(UVersionInfo));
-    version[0] = static_cast<uint8_t>(value != nullptr ? std::atoi(value) : 1);
+    version[0] = static_cast<uint8_t>(value != nullptr ? std::strtoul(value, nullptr, 10) : 1);
 }
 
 }  // namespace

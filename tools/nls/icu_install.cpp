@@ -55,20 +55,24 @@ Loaded load(const std::string& path) {
     return {nullptr, told.starts_with(path) ? told : path + ": " + told};
 }
 
-std::optional<std::string> lackOf(const std::string& path, void* library, const Build& build,
-                                  std::span<const NamedSlot> functions) {
+// The first that is missing; empty if none is.
+std::string missingOf(std::span<const NamedSlot> functions, void* library, const Build& build) {
     for (const NamedSlot& function : functions) {
-        const std::string name = function.name + build.suffix;
-        if (nlsGetProcAddress(library, name.c_str()) == nullptr) return path + ": has no function " + name;
+        std::string name = function.name;
+        name += build.suffix;
+        if (nlsGetProcAddress(library, name.c_str()) == nullptr) return name;
     }
-    return std::nullopt;
+    return {};
 }
 
 // What keeps a library of a build from being used.
 std::optional<std::string> troubleOf(const Build& build, unsigned file, std::span<const NamedSlot> functions) {
     const std::string path = icuFolder().path + build.files[file];
     const Loaded loaded = load(path);
-    return loaded.library == nullptr ? loaded.reason : lackOf(path, loaded.library, build, functions);
+    if (loaded.library == nullptr) return loaded.reason;
+    const std::string missing = missingOf(functions, loaded.library, build);
+    if (missing.empty()) return std::nullopt;
+    return path + ": has no function " + missing;
 }
 
 // The base build converts for both; the newer one's functions of conversion are nobody's.
