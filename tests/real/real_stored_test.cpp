@@ -3,35 +3,15 @@
 // texts: the same signs, keys, case and words.
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <memory>
 #include <random>
 
 #include "tests/real/order_alphabet.hpp"
-#include "tests/support/convmap_builder.hpp"
+#include "tests/support/stored_world.hpp"
 
 namespace nls::real {
 namespace {
 
 constexpr int32_t kOwnTables = 7;
-
-// What a database holds of a locale: no pointer among it.
-struct Stored {
-    Bytes record, image;
-
-    // `kind` 0: the collation's own.
-    static Stored of(const nlsLocale& locale, int32_t format, int32_t kind) {
-        Bytes image(8000, kFill);
-        nlsDbCollation record{};
-        record.dbImage = image.data();
-        EXPECT_EQ(nlsLocaleToDbCollation(&locale, format, static_cast<uint32_t>(image.size()), &record), NLS_OK);
-        if (kind != 0) record.dbCollKind = kind;
-        image.resize(record.dbImageSize);
-        record.dbImage = nullptr;
-        const auto* const bytes = reinterpret_cast<const unsigned char*>(&record);
-        return {{bytes, bytes + sizeof record}, image};
-    }
-};
 
 Bytes wordBreaks(unsigned char kind) {
     Bytes table(256 + 62);
@@ -40,43 +20,6 @@ Bytes wordBreaks(unsigned char kind) {
     table[4] = 62;
     return table;
 }
-
-class Opened {
-public:
-    Opened(nlsHandle* handle, const Stored& stored, const Bytes* words) : image_(stored.image) {
-        nlsDbCollation record;
-        std::memcpy(&record, stored.record.data(), sizeof record);
-        record.dbImage = image_.data();
-        record.dbWordBreak = words == nullptr ? nullptr : words->data();
-        uint32_t size = 0;
-        EXPECT_EQ(nlsDbCollationToLocale(handle, &record, kText, &size, nullptr, &locale), NLS_BUF_SMALL);
-        size_ = size;
-        block_ = std::make_unique<uint64_t[]>((size + 7) / 8);
-        std::memset(block_.get(), kFill, size);
-        EXPECT_EQ(nlsDbCollationToLocale(handle, &record, kText, &size, block_.get(), &locale), NLS_OK);
-        image_.assign(image_.size(), kFill);
-        if (locale == nullptr) return;
-        EXPECT_STREQ(reinterpret_cast<const char*>(locale->dbCollationName), "text of a database");
-    }
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
-    ~Opened() {
-        void* block = nullptr;
-        uint32_t size = 0;
-        EXPECT_EQ(nlsCloseDBLocale(locale, &block, &size), NLS_OK);
-        EXPECT_EQ(block, block_.get());
-        EXPECT_EQ(size, size_);
-    }
-
-    nlsLocale* locale = nullptr;
-
-private:
-    static constexpr unsigned char kText[] = "text of a database";
-
-    Bytes image_;
-    uint32_t size_ = 0;
-    std::unique_ptr<uint64_t[]> block_;
-};
 
 struct Answers {
     std::vector<int> signs;
@@ -116,7 +59,6 @@ Bytes inCase(const nlsLocale* locale, Bytes text, bool upper) {
     return target;
 }
 
-// The same of the original, whose words are cut by a table that it is lent.
 Bytes wordsOf(const nlsLocale* locale, Bytes text) {
     text.resize(text.size() + 4, 0);
     Bytes words;
@@ -159,7 +101,7 @@ struct Sample {
     }
 };
 
-Answers answersOf(const nlsLocale* locale, const Sample& sample, bool words) {
+Answers answersOf(const nlsLocale* locale, const Sample& sample) {
     Answers answers;
     for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
         for (const auto& [a, b] : sample.pairs) answers.signs.push_back(signOf(locale, a, b, mode));
@@ -167,7 +109,7 @@ Answers answersOf(const nlsLocale* locale, const Sample& sample, bool words) {
     }
     for (const Bytes& text : sample.texts) {
         for (const bool upper : {false, true}) answers.texts.push_back(inCase(locale, text, upper));
-        if (words) answers.texts.push_back(wordsOf(locale, text));
+        answers.texts.push_back(wordsOf(locale, text));
     }
     return answers;
 }
@@ -198,16 +140,18 @@ TEST(StoredCollations, AnswerAsTheOriginal) {
         ASSERT_GT(sample.pairs.size(), 90U) << charset;
         const Bytes words = wordBreaks((locale->attrib->flags & NLS_CHARSET_MULTI_BYTE) != 0 ? 9 : 7);
         const WithWords original{*locale, words};
-        const Answers want = answersOf(&original.locale, sample, true);
+        const Answers want = answersOf(&original.locale, sample);
         const bool alone = (locale->attrib->flags & NLS_CHARSET_VIA_SJIS) == 0;
         const struct {
             int32_t format, kind;
             nlsHandle* handle;
         } forms[] = {{5, 0, same.handle}, {6, 0, same.handle}, {6, kOwnTables, (alone ? empty : same).handle}};
         for (const auto& form : forms) {
-            const Opened opened{form.handle, Stored::of(*locale, form.format, form.kind), &words};
-            ASSERT_NE(opened.locale, nullptr);
-            EXPECT_TRUE(answersOf(opened.locale, sample, true) == want) << charset << " " << name << " " << form.kind;
+            test::StoredBytes stored = test::storedOf(*locale, form.format, form.kind);
+            stored.words = words;
+            const test::StoredLocale opened{form.handle, stored};
+            ASSERT_EQ(opened.status, NLS_OK);
+            EXPECT_TRUE(answersOf(opened.locale, sample) == want) << charset << " " << name << " " << form.kind;
         }
         ++collations;
         own += alone ? 1 : 0;
