@@ -1,5 +1,5 @@
-// What the two builds of ICU are called: their files, in the order data, common, i18n, and what stands behind the name of
-// each function. The NLS_ICU_… settings of CMake tell it; a source that includes this has them as definitions.
+// What the two builds of ICU are called: their files, in the order data, common, i18n, and what stands behind the name
+// of each function. The NLS_ICU_… settings of CMake tell it; a source that includes this has them as definitions.
 #pragma once
 
 namespace nls {

@@ -25,12 +25,7 @@ std::string benchmarkName(const Comparison& comparison, const std::string& candi
     return comparison.work + "/" + comparison.text + "/" + candidate;
 }
 
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-// Collects the seconds of each repetition, and prints the ratios when all is done.
+// Keeps the seconds of the fastest repetition, and prints the ratios when all is done.
 class RatioReporter : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context&) override { return true; }
@@ -38,8 +33,9 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.run_type != Run::RT_Iteration) continue;
-            seconds_[run.run_name.function_name].push_back(run.real_accumulated_time /
-                                                           static_cast<double>(run.iterations));
+            const double seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
+            double& least = seconds_.try_emplace(run.run_name.function_name, seconds).first->second;
+            least = std::min(least, seconds);
         }
     }
 
@@ -69,10 +65,10 @@ private:
     }
     double secondsOf(const Comparison& comparison, const std::string& candidate) const {
         const auto found = seconds_.find(benchmarkName(comparison, candidate));
-        return found == seconds_.end() ? 0 : median(found->second);
+        return found == seconds_.end() ? 0 : found->second;
     }
 
-    std::map<std::string, std::vector<double>> seconds_;
+    std::map<std::string, double> seconds_;
 };
 
 }  // namespace

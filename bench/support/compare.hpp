@@ -3,8 +3,8 @@
 //   compare("UTF-8 to UTF-16", "Greek", bytes, 1, {{"nls", ours}, {"icu", peer}});
 //   int main(int argc, char** argv) { registerAll(); return runComparisons(argc, argv); }
 //
-// The machines are noisy, so the candidates are measured in turns, each several times; the median counts, and what is
-// printed beside the rates is the ratio of the first candidate to the best of the others.
+// Others use the machine too, which only ever adds time. So the candidates are measured in turns, each several times,
+// and the fastest counts; beside the rates the ratio of the first candidate to the best of the others is printed.
 #pragma once
 
 #include <cstddef>
