@@ -235,6 +235,9 @@ TEST(NlsUsage, WrongWordsEndWithTwo) {
         {"check -f utf8", "do you mean UTF-8"},
         {"show charset koi8r", "do you mean KOI8-R?"},
         {"show colour KOI8-R", "colour"},
+        {"show conversion KOI8-R", "conversion CHARSET TARGET"},
+        {"list charsets KOI8-R", "takes no charset"},
+        {"list cases nowhere", "unknown charset"},
         {"convert -f a-name-much-longer-than-any-charset-of-the-file", "unknown charset"},
         {"convert -t 1252//TRANSLIT", "--subst"},
     };
@@ -268,12 +271,25 @@ TEST(NlsData, ListShowAndDumpSeeEveryRecord) {
     const std::string list = run({"list"}).out;
     EXPECT_TRUE(holds(list, "SHIFT-JIS     multi-byte\n"));
     EXPECT_EQ(run({"-l"}).out, list);
+    const auto linesOf = [](const Words& words) {
+        const Answer listed = run(words);
+        EXPECT_EQ(listed.exit, 0) << listed.err;
+        return std::count(listed.out.begin(), listed.out.end(), '\n');
+    };
+    std::ptrdiff_t cases = 0;
+    std::ptrdiff_t ends = 0;  // of conversions
     for (std::size_t pos = 0; pos < list.size(); pos = list.find('\n', pos) + 1) {
         const std::string name = list.substr(pos, list.find(' ', pos) - pos);
         const Answer shown = run({"show", "charset", name});
         EXPECT_EQ(shown.exit, 0) << name << shown.err;
         EXPECT_TRUE(holds(shown.out, "charset       " + name + "\n"));
+        cases += linesOf({"list", "cases", name});
+        ends += linesOf({"list", "conversions", name});
     }
+    EXPECT_EQ(cases, linesOf({"list", "cases"}));
+    EXPECT_EQ(ends, 2 * linesOf({"list", "conversions"}));
+    EXPECT_EQ(linesOf({"list", "collations"}), linesOf({"list", "--collations"}) + linesOf({"list", "--icu"}));
+    EXPECT_TRUE(holds(run({"show", "conversion", "1252", "UCS2"}).out, "scratch       needed\n"));
     EXPECT_TRUE(
         holds(run({"show", "charset", "KOI8-R"}).out, "A0   \xE2\x95\x90  \xE2\x95\x91  \xE2\x95\x92  \xD1\x91"));
     const std::string dump = run({"dump", "--arrays", NLS_CONVMAP}).out;

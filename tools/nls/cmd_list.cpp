@@ -1,19 +1,20 @@
 #include <algorithm>
 
 #include "tools/nls/commands.hpp"
+#include "tools/nls/failure.hpp"
 #include "tools/nls/icu_install.hpp"
 #include "tools/nls/json.hpp"
+#include "tools/nls/queries.hpp"
 #include "tools/nls/session.hpp"
 
 namespace nls::tool {
 namespace {
 
-// By the flags of a charset.
-const char* kindOf(int flags) {
-    if ((flags & NLS_CHARSET_UTF8) != 0) return "Unicode, bytes";
-    if ((flags & NLS_CHARSET_UNITS16) != 0) return "Unicode, 16-bit units";
-    if ((flags & NLS_CHARSET_UNITS32) != 0) return "Unicode, 32-bit units";
-    return (flags & NLS_CHARSET_MULTI_BYTE) != 0 ? "multi-byte" : "single-byte";
+const char* kindOf(const nlsLocale& charset) {
+    if (numberOf(charset, NLS_PROP_UTF8) != 0) return "Unicode, bytes";
+    if (numberOf(charset, NLS_PROP_UNITS16) != 0) return "Unicode, 16-bit units";
+    if (numberOf(charset, NLS_PROP_UNITS32) != 0) return "Unicode, 32-bit units";
+    return numberOf(charset, NLS_PROP_MULTI_BYTE) != 0 ? "multi-byte" : "single-byte";
 }
 
 std::string padded(std::string text, std::size_t width) {
@@ -21,25 +22,17 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
-// Some charsets have a name and tables of their own alone.
-bool converts(const std::vector<nlsTocEntry>& contents, const nlsTocEntry& charset) {
-    constexpr uint16_t conversion = 1;
-    return std::any_of(contents.begin(), contents.end(), [&charset](const nlsTocEntry& entry) {
-        return entry.entryType == conversion && nlsStbcmp(entry.name1, charset.name1) == 0;
-    });
-}
-
 struct Listed {
     std::string name, kind;
 };
 
-std::vector<Listed> listed(const std::vector<nlsTocEntry>& contents) {
-    constexpr uint16_t attributeTable = 2;
+std::vector<Listed> listed(Session& session) {
     std::vector<Listed> charsets;
-    for (const nlsTocEntry& entry : contents) {
-        if (entry.entryType != attributeTable) continue;
-        charsets.push_back({entry.name1, kindOf(entry.rawByte)});
-        if (!converts(contents, entry)) charsets.back().kind += ", no conversion";
+    for (const std::string& name : listOf(session.handle(), charsetList)) {
+        const nlsLocale& charset = *session.locale(name);
+        charsets.push_back({name, kindOf(charset)});
+        // Some charsets have a name and tables of their own alone.
+        if (numberOf(charset, NLS_PROP_CONVERSIONS_LENGTH) == 0) charsets.back().kind += ", no conversion";
     }
     return charsets;
 }
@@ -56,12 +49,21 @@ void printJson(const Session& session, const std::vector<Listed>& charsets) {
     print(json.text() + "\n");
 }
 
+// CHARSET/COLLATION, as `-l` takes it. ICU's are told once, wherever the library puts them.
 std::vector<std::string> collationsOf(const Session& session) {
-    constexpr uint16_t collationEntry = 4;
     std::vector<std::string> names;
-    for (const nlsTocEntry& entry : session.contents()) {
-        if (entry.entryType == collationEntry) names.push_back(std::string(entry.name1) + "/" + entry.name2);
+    for (const std::string& item : listOf(session.handle(), collationList)) {
+        const Pair pair = pairOf(item, " ");
+        const std::string name = pair.first + "/" + pair.second;
+        if (!isIcuName(pair.second) || std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(name);
     }
+    return names;
+}
+
+std::vector<std::string> collationsOfFile(const Session& session) {
+    std::vector<std::string> names = collationsOf(session);
+    std::erase_if(names, [](const std::string& name) { return isIcuName(name.substr(name.find('/') + 1)); });
     return names;
 }
 
@@ -71,27 +73,57 @@ std::vector<std::string> collationsOfIcu() {
     return names;
 }
 
-// CHARSET/COLLATION, as `-l` takes it.
-Exit listCollations(const Common& common, bool ofIcu) {
-    const Session session{findDataFile(common.dataFile)};
+Exit printItems(const Common& common, const Session& session, const std::string& key,
+                const std::vector<std::string>& items) {
     JsonWriter json;
     json.open('{').member("command", "list").member("dataFile", std::string_view(session.dataFile()));
-    json.key("collations").open('[');
+    json.key(key).open('[');
     std::string lines;
-    for (const std::string& name : ofIcu ? collationsOfIcu() : collationsOf(session)) {
-        json.value(std::string_view(name));
-        lines += name + "\n";
+    for (const std::string& item : items) {
+        json.value(std::string_view(item));
+        lines += item + "\n";
     }
     json.close(']').close('}');
     print(common.json ? json.text() + "\n" : lines);
     return Exit::done;
 }
 
+// What `nls list` takes: words, and the flags of old.
+struct Options {
+    std::string what, charset;
+    bool collations = false, icu = false;
+};
+
+ListNumbers numbersOf(const std::string& what) {
+    return what == "collations" ? collationList : what == "cases" ? caseList : conversionList;
+}
+
+Exit list(const Common& common, const Options& options) {
+    const bool isCharsets = options.what.empty() || options.what == "charsets";
+    if (isCharsets && !options.charset.empty()) {
+        throw Failure(Exit::usage,
+                      "a list of charsets takes no charset; nls show charset " + options.charset + " tells of one");
+    }
+    if (!options.what.empty() && (options.collations || options.icu)) {
+        throw Failure(Exit::usage, "--collations and --icu stand without a word for what to list");
+    }
+    if (isCharsets && !options.collations && !options.icu) return listCharsets(common);
+    Session session{findDataFile(common.dataFile)};
+    if (options.collations) return printItems(common, session, "collations", collationsOfFile(session));
+    if (options.icu) return printItems(common, session, "collations", collationsOfIcu());
+    const ListNumbers numbers = numbersOf(options.what);
+    if (!options.charset.empty()) {
+        return printItems(common, session, options.what, listOf(*session.locale(options.charset), numbers));
+    }
+    return printItems(common, session, options.what,
+                      options.what == "collations" ? collationsOf(session) : listOf(session.handle(), numbers));
+}
+
 }  // namespace
 
 Exit listCharsets(const Common& common) {
-    const Session session{findDataFile(common.dataFile)};
-    const std::vector<Listed> charsets = listed(session.contents());
+    Session session{findDataFile(common.dataFile)};
+    const std::vector<Listed> charsets = listed(session);
     if (common.json) {
         printJson(session, charsets);
     } else {
@@ -101,20 +133,22 @@ Exit listCharsets(const Common& common) {
 }
 
 void addList(const Command& program, const Common& common) {
-    Command command = program.add("list", "list the charsets of the data file");
-    struct Options {
-        bool collations = false, icu = false;
-    };
+    Command command = program.add("list", "list what the data file holds");
     auto options = std::make_shared<Options>();
-    command.flag("--collations", options->collations, "list the collations instead, as CHARSET/COLLATION");
-    command.flag("--icu", options->icu, "list ICU's collations instead, whether ICU can be loaded or not")
-        .excludes("--collations");
+    command.option("WHAT", options->what, "charsets, which it is without a word, collations, cases or conversions")
+        .shownAs("")
+        .oneOf({"charsets", "collations", "cases", "conversions"});
+    command.option("CHARSET", options->charset, "those of one charset").shownAs("");
+    command.flag("--collations", options->collations, "the collations of the data file alone, as CHARSET/COLLATION");
+    command.flag("--icu", options->icu, "ICU's collations, whether ICU can be loaded or not").excludes("--collations");
     command.footer(
         "A single-byte charset also has, by derivation, the collations of charsets from which the file has a byte map "
-        "to it.\n");
-    command.runs([&common, options] {
-        return options->collations || options->icu ? listCollations(common, options->icu) : listCharsets(common);
-    });
+        "to it. Those of a Unicode form are those of UTF-8.\n"
+        "\n"
+        "Examples:\n"
+        "  nls list collations                 CHARSET/COLLATION, as -l takes it, ICU's among them\n"
+        "  nls list conversions SHIFT-JIS      from it and to it\n");
+    command.runs([&common, options] { return list(common, *options); });
 }
 
 }  // namespace nls::tool

@@ -3,16 +3,14 @@
 
 #include "tools/nls/commands.hpp"
 #include "tools/nls/hex_text.hpp"
+#include "tools/nls/icu_install.hpp"
 #include "tools/nls/json.hpp"
+#include "tools/nls/queries.hpp"
 #include "tools/nls/text_charset.hpp"
+#include "tools/nls/type_names.hpp"
 
 namespace nls::tool {
 namespace {
-
-// Entry types of the contents.
-constexpr uint16_t conversionEntry = 1;
-constexpr uint16_t caseEntry = 3;
-constexpr uint16_t collationEntry = 4;
 
 std::string joined(const std::vector<std::string>& names) {
     std::string text;
@@ -53,6 +51,9 @@ private:
         add("charset", "name", charset_.name());
         add("kind", "kind", kind());
         add("flags", "flags", flags);
+        add("widest", "widest",
+            std::to_string(numberOf(*charset_.locale(), NLS_PROP_CHAR_SIZE)) + " bytes a character");
+        if (numberOf(*charset_.locale(), NLS_PROP_VIA_SJIS) != 0) add("compares", "compares", "through Shift-JIS");
         if (charset_.form() == TextCharset::Form::multiByte || charset_.isUtf8()) gatherLengths(maps);
         if (charset_.isLegacy() || charset_.isUtf8()) {
             add("letters", "letters", byteRanges([&](unsigned byte) { return maps.alphaMap[byte] != 0; }));
@@ -89,22 +90,21 @@ private:
     }
 
     void gatherContents() {
+        const nlsLocale& locale = *charset_.locale();
         std::vector<std::string> to;
         std::vector<std::string> from;
-        std::vector<std::string> collations;
-        std::vector<std::string> cases;
-        for (const nlsTocEntry& entry : session_.contents()) {
-            const bool first = nlsStbcmp(entry.name1, charset_.name().c_str()) == 0;
-            const bool second = nlsStbcmp(entry.name2, charset_.name().c_str()) == 0;
-            if (entry.entryType == conversionEntry && first) to.emplace_back(entry.name2);
-            if (entry.entryType == conversionEntry && second) from.emplace_back(entry.name1);
-            if (entry.entryType == collationEntry && first) collations.emplace_back(entry.name2);
-            if (entry.entryType == caseEntry && first) cases.emplace_back(entry.name2);
+        for (const std::string& item : listOf(locale, conversionList)) {
+            const Pair pair = pairOf(item, " -> ");
+            if (nlsStbcmp(pair.first.c_str(), locale.charsetName) == 0) to.push_back(pair.second);
+            if (nlsStbcmp(pair.second.c_str(), locale.charsetName) == 0) from.push_back(pair.first);
         }
+        std::vector<std::string> collations = listOf(locale, collationList);
+        const auto ofIcu = std::erase_if(collations, isIcuName);
+        if (ofIcu != 0) collations.push_back("and " + std::to_string(ofIcu) + " of ICU's");
         add("tables to", "tablesTo", joined(to));
         add("tables from", "tablesFrom", joined(from));
         add("collations", "collations", joined(collations));
-        add("case tables", "caseTables", joined(cases));
+        add("case tables", "caseTables", joined(listOf(locale, caseList)));
     }
 
     void showJson() {
@@ -131,13 +131,7 @@ private:
 
     bool hasChart() const { return charset_.form() == TextCharset::Form::singleByte && charset_.hasTables(); }
 
-    // The character of a byte as UTF-8; empty if it has none.
-    std::string character(unsigned value) const {
-        const auto byte = static_cast<unsigned char>(value);
-        ByteBuffer text;
-        if (!charset_.decode({&byte, 1}, text)) return "";
-        return {reinterpret_cast<const char*>(text.view().data()), text.size()};
-    }
+    std::string character(unsigned value) const { return characterOf(charset_, value); }
 
     void showChart() {
         print("\n   ");
@@ -175,15 +169,66 @@ private:
     std::vector<Row> rows_;
 };
 
+struct Words {
+    std::string what, charset, target;
+};
+
+// One conversion: its table and the room that it takes.
+Exit showConversion(const Common& common, const Words& words) {
+    Session session{findDataFile(common.dataFile)};
+    nlsLocale* const from = session.locale(words.charset);
+    nlsLocale* const to = session.locale(words.target);
+    const nlsConversion* const conversion = session.conversion(from, to);
+    if (conversion == nullptr) {
+        throw Failure(Exit::usage,
+                      std::string("there is no table from ") + from->charsetName + " to " + to->charsetName);
+    }
+    const auto told = [conversion](uint32_t property, const char* unit) {
+        const std::optional<uint32_t> number = numberOf(*conversion, property);
+        return number ? unit + std::to_string(*number) : "not known for this type";
+    };
+    const struct {
+        const char *label, *key;
+        std::string value;
+    } rows[] = {
+        {"source", "source", from->charsetName},
+        {"target", "target", to->charsetName},
+        {"table", "table", typeName(nlsConversionType(conversion->table))},
+        {"growth", "growth", told(NLS_PROP_GROWTH, "bytes times ")},
+        {"widest", "widest", told(NLS_PROP_CONVERTED_CHAR_SIZE, "bytes a character: ")},
+        {"scratch", "scratch", numberOf(*conversion, NLS_PROP_TWO_STEP) == 1U ? "needed" : "not needed"},
+    };
+    JsonWriter json;
+    json.open('{').member("command", "show");
+    std::string lines;
+    for (const auto& row : rows) {
+        json.member(row.key, std::string_view(row.value));
+        lines += (row.label + std::string(14, ' ')).substr(0, 14) + row.value + "\n";
+    }
+    json.close('}');
+    print(common.json ? json.text() + "\n" : lines);
+    return Exit::done;
+}
+
+Exit show(const Common& common, const Words& words) {
+    if (words.what == "charset" && words.target.empty()) return Show(common, words.charset).run();
+    if (words.what == "conversion" && !words.target.empty()) return showConversion(common, words);
+    throw Failure(Exit::usage, "say charset CHARSET, or conversion CHARSET TARGET");
+}
+
 }  // namespace
 
 void addShow(const Command& program, const Common& common) {
-    Command command = program.add("show", "show what the data file knows of a charset");
-    auto words = std::make_shared<std::pair<std::string, std::string>>();
-    command.option("WHAT", words->first, "what to show: charset").required().shownAs("").oneOf({"charset"});
-    command.option("CHARSET", words->second, "its name").required().shownAs("");
-    command.footer("Example:\n  nls show charset KOI8-R\n");
-    command.runs([&common, words] { return Show(common, words->second).run(); });
+    Command command = program.add("show", "show what the data file knows of a charset or of a conversion");
+    auto words = std::make_shared<Words>();
+    command.option("WHAT", words->what, "what to show: charset or conversion")
+        .required()
+        .shownAs("")
+        .oneOf({"charset", "conversion"});
+    command.option("CHARSET", words->charset, "its name, or that of the source").required().shownAs("");
+    command.option("TARGET", words->target, "of a conversion").shownAs("");
+    command.footer("Examples:\n  nls show charset KOI8-R\n  nls show conversion SHIFT-JIS UTF-8\n");
+    command.runs([&common, words] { return show(common, *words); });
 }
 
 }  // namespace nls::tool

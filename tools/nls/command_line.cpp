@@ -52,6 +52,10 @@ Command Command::add(const char* name, const char* what) const {
     return {*app_->add_subcommand(name, what), *run_};
 }
 
+void Command::takesCommands() {
+    app_->require_subcommand(1);
+}
+
 Option Command::option(const char* names, std::string& value, const char* what) {
     return Option(app_->add_option(names, value, what));
 }

@@ -43,7 +43,8 @@ public:
     // `run` is set when the command line asks for this command. Both outlive it.
     Command(CLI::App& app, Run& run) : app_(&app), run_(&run) {}
 
-    Command add(const char* name, const char* what) const;  // a command of this program
+    Command add(const char* name, const char* what) const;  // a command of this program, or of this command
+    void takesCommands();                                   // it has commands of its own, and wants one
 
     // `names` as "-o,--output", or a word in capitals for an argument. The values outlive the reading of the command
     // line.

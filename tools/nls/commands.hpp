@@ -29,6 +29,8 @@ void addFingerprint(const Command& program, const Common& common);
 void addList(const Command& program, const Common& common);
 void addShow(const Command& program, const Common& common);
 void addDoctor(const Command& program, const Common& common);
+void addDb(const Command& program, const Common& common);
+void addWords(const Command& program, const Common& common);
 void addDump(const Command& program, const Common& common);
 
 // The list of charsets, which `convert -l` shows as well.

@@ -38,9 +38,11 @@ constexpr const char* footer =
     "  nls find -l 1252/german --fold text in.txt   lines with a text, by a collation\n"
     "  nls sort -l 1252/swedish names.txt           lines in the order of a collation\n"
     "  nls sort -l UTF-8/ICU-sv names.txt           the same through ICU\n"
+    "  nls db check index.nlscoll                   does a stored collation sort here as it did there?\n"
     "  nls doctor                                   what nls has found here, and what it misses\n"
     "\n"
-    "Exit codes: 0 done, 1 bad input, of find and like nothing found, 2 usage or unknown name, 3 done with loss, 4 "
+    "Exit codes: 0 done, 1 bad input, of find and like nothing found, 2 usage or unknown name, 3 done with loss, of "
+    "db: not the same, 4 "
     "file trouble.\n"
     "The data file is the one of -D; else of ZELCONV; else convmap.cp in the directory QRD; else the installed one.\n";
 
@@ -52,8 +54,9 @@ void addCommands(CLI::App& app, Common& common, Run& run) {
     app.footer(footer);
     app.require_subcommand(1);
     app.fallthrough();
-    for (const auto add : {&addConvert, &addCheck, &addCount, &addFind, &addLike, &addCut, &addSort, &addCompare,
-                           &addKey, &addUpper, &addLower, &addFingerprint, &addList, &addShow, &addDump, &addDoctor}) {
+    for (const auto add :
+         {&addConvert, &addCheck, &addCount, &addFind, &addLike, &addCut, &addSort, &addCompare, &addKey, &addUpper,
+          &addLower, &addFingerprint, &addList, &addShow, &addDump, &addDoctor, &addDb, &addWords}) {
         add(program, common);
     }
 }
@@ -83,7 +86,7 @@ std::vector<std::string> withCommand(const CLI::App& app, std::vector<std::strin
         throw Failure(
             Exit::usage,
             "say what to do: convert, check, count, find, like, cut, sort, compare, key, upper, lower, fingerprint, "
-            "list, show, dump or doctor; see nls --help");
+            "list, show, dump, db, words or doctor; see nls --help");
     }
     if (words[place].size() < 2 || words[place][0] != '-') {
         refuseUnknown(app, words[place]);

@@ -33,6 +33,14 @@ Order::Order(Session& session, const std::string& name, Fold fold)
     if (kind() == OrderKind::icu) tellFallback();
 }
 
+Order::Order(Session& session, const nlsLocale* locale, Fold fold)
+    : charset_(session, locale->charsetName, TextCharset::Tables::ifAny),
+      fold_(fold),
+      locale_(locale),
+      name_(charset_.name() + "/" + collation().collName) {
+    tryIt();
+}
+
 void Order::tellFallback() const {
     const char* const collation = locale_->collationName;
     if (judgeIcuName(collation).kind != IcuVerdict::Kind::opensByFallback) return;

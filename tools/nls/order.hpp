@@ -21,6 +21,9 @@ public:
     // on the standard error where ICU takes another collation than the one named.
     Order(Session& session, const std::string& name, Fold fold);
 
+    // That of a locale of the session's, a database's for instance.
+    Order(Session& session, const nlsLocale* locale, Fold fold);
+
     // -1, 0 or 1. REQUIRES: less than 2^31 bytes each. A site's own sort may want the byte behind a text for its NUL.
     int compare(ByteView a, ByteView b) const;
     // The text without the blanks that never count. Cut so, texts stand in one order: with its blanks a text can sort

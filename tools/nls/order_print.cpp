@@ -22,9 +22,10 @@ void addTrailCounts(Sha256& digest, const nlsAttribStruct& attrib) {
 }
 
 void addCaseTable(Sha256& digest, const nlsLocale& locale) {
-    addNumber(digest, locale.caseTable != nullptr ? 1 : 0);
-    if (locale.caseTable == nullptr) return;
-    // In a UTF-8 charset the record is of the Unicode kind.
+    // In a UTF-8 charset the record is of the Unicode kind; kind 3 folds by no other.
+    const bool folds = locale.caseTable != nullptr && (locale.attrib->flags & NLS_CHARSET_UTF8) != 0;
+    addNumber(digest, folds ? 1 : 0);
+    if (!folds) return;
     const auto& table = reinterpret_cast<const nlsUnicodeCaseStruct&>(*locale.caseTable);
     for (unsigned page = 0; page < 256; ++page) {
         for (unsigned entry = 0; entry < (page == 0 ? 256 : 128); ++entry) {
@@ -69,8 +70,11 @@ void addBridge(Sha256& digest, const Order& order) {
     }
 }
 
-void addText(Sha256& digest, const char* text) {
-    digest.add({reinterpret_cast<const unsigned char*>(text), std::strlen(text) + 1});
+// With its NUL, also where a stored map has filled the place of it.
+void addText(Sha256& digest, const char* text, std::size_t width) {
+    constexpr unsigned char nul[] = {0};
+    digest.add({reinterpret_cast<const unsigned char*>(text), strnlen(text, width)});
+    digest.add(nul);
 }
 
 // The maps of a collation of ICU's also hold a pointer, and as much of the locale as fits.
@@ -78,12 +82,12 @@ void addIcu(Sha256& digest, const nlsCollStruct& collation) {
     constexpr std::size_t versions = 16, strength = 48, ofVersions = 8;
     for (const unsigned char* const map : {collation.exactMap, collation.foldMap}) {
         digest.add({map + versions, ofVersions});
-        addText(digest, reinterpret_cast<const char*>(map + strength));
+        addText(digest, reinterpret_cast<const char*>(map + strength), sizeof collation.exactMap - strength);
     }
     const nlsIcuInfo* info = nullptr;
     std::memcpy(&info, collation.exactMap, sizeof info);
-    addText(digest, info->versionText);
-    addText(digest, info->icuLocale);
+    addText(digest, info->versionText, std::strlen(info->versionText));
+    addText(digest, info->icuLocale, std::strlen(info->icuLocale));
 }
 
 void addMaps(Sha256& digest, const Order& order) {

@@ -195,6 +195,16 @@ const nlsConversion* Session::conversion(nlsLocale* from, nlsLocale* to) {
                                          to->charsetName + " can't be loaded (status " + std::to_string(status) + ")");
 }
 
+// Of a collation of ICU's NLS_NO_MEM also says that ICU can't be had. So there is room before it is asked.
+nlsStatus Session::openStored(const stored::StoredCollation& stored, nlsLocale* wordBreakLocale,
+                              std::vector<uint64_t>& block, nlsLocale*& made) {
+    constexpr uint32_t plenty = 1U << 16;
+    constexpr int32_t kindOfIcu = 5;
+    const auto open = [&] { return stored::openStored(handle_, stored, wordBreakLocale, block, made); };
+    if (handle_->freeBytes < plenty) addBuffer(smallestBlock);
+    return stored.record.dbCollKind == kindOfIcu ? open() : withRoom(open, NLS_NO_MEM);
+}
+
 uint64_t Session::arenaUsed() const {
     return earlierBuffers_ + bufferSize_ - handle_->freeBytes;
 }

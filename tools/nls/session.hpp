@@ -7,6 +7,7 @@
 
 #include "nls/nls.h"
 #include "tools/nls/data_file.hpp"
+#include "tools/stored/stored_file.hpp"
 
 namespace nls::tool {
 
@@ -20,6 +21,8 @@ public:
     Session& operator=(const Session&) = delete;
 
     const std::string& dataFile() const { return file_.path(); }
+
+    const nlsHandle& handle() const { return *handle_; }
 
     // The charsets of the file, as it spells them, in its order.
     std::vector<std::string> charsets() const;
@@ -37,6 +40,11 @@ public:
     bool hasCaseTable(const std::string& charset, const std::string& caseName) const;
     // Null if the file knows no way from one to the other.
     const nlsConversion* conversion(nlsLocale* from, nlsLocale* to);
+
+    // Makes a locale of a stored collation in `block`, with the library's answer. The locale is to be closed, and the
+    // block to stand, before the session goes.
+    nlsStatus openStored(const stored::StoredCollation& stored, nlsLocale* wordBreakLocale,
+                         std::vector<uint64_t>& block, nlsLocale*& made);
 
     // Bytes of the arena that objects and tables have taken so far.
     uint64_t arenaUsed() const;

@@ -68,4 +68,12 @@ private:
     mutable ByteBuffer again_;  // a piece on its way back
 };
 
+// The character of a byte that is one alone, as UTF-8; empty if it has none.
+inline std::string characterOf(const TextCharset& charset, unsigned value) {
+    const auto byte = static_cast<unsigned char>(value);
+    ByteBuffer text;
+    if (!charset.decode({&byte, 1}, text)) return {};
+    return {reinterpret_cast<const char*>(text.view().data()), text.size()};
+}
+
 }  // namespace nls::tool
