@@ -1,4 +1,4 @@
-# libnls.so, which depends on libc alone, and nls_static, the same objects for tests of what the library hides.
+# libnls.so, which depends on libc alone, and with the Java bridge on libjutil.so, and nls_static, the same objects for tests of what the library hides.
 file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/empty.c "")
 add_library(nls SHARED ${CMAKE_CURRENT_BINARY_DIR}/empty.c $<TARGET_OBJECTS:nls_objects>)
 add_library(nls::nls ALIAS nls)
@@ -16,6 +16,13 @@ if(NLS_SANITIZE)
 else()
   target_link_options(nls PRIVATE -Wl,-z,defs)
   target_link_libraries(nls PRIVATE $<BUILD_INTERFACE:nls_instrumented>)
+endif()
+
+if(NLS_JAVA)
+  # libjutil.so is found beside libnls.so, wherever the two are moved.
+  target_sources(nls PRIVATE $<TARGET_OBJECTS:nls_jni>)
+  target_link_libraries(nls PRIVATE jutil)
+  set_target_properties(nls PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_RPATH_USE_ORIGIN ON)
 endif()
 
 add_library(nls_static STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nls_objects>)

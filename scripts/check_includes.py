@@ -36,6 +36,9 @@ ARROWS = {
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base", "icu/packaging.hpp",
                            "icu/slot_names.hpp", "tools/stored"},
     "tools/stored": CLIENT,
+    "tools/mkmessages": CLIENT | {"jutil"},
+    "jni": CLIENT | {"jutil/include"},
+    "jutil": set(),
     "bench": CLIENT | {"core/base/cpu.hpp", "tests/support"},
     "fuzz": CLIENT | {"core/base", "tests/support"},
     "tests/support": set(),  # a folder of its own for those who may include it; itself it looks into everything
@@ -74,7 +77,7 @@ def includes(name):
 
 
 def resolve(name, target):
-    for base in (ROOT, ROOT / "include", (ROOT / name).parent):
+    for base in (ROOT, ROOT / "include", ROOT / "jutil" / "include", (ROOT / name).parent):
         if (base / target).is_file():
             return str((base / target).resolve().relative_to(ROOT))
     return None

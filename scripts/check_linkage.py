@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What libnls.so needs from others: the C library's plain functions, and nothing else.
+"""What libnls.so needs from others: the C library's plain functions, with the Java bridge libjutil.so, and nothing else.
 
     check_linkage.py LIBNLS_SO
 
@@ -18,6 +18,8 @@ ALLOWED = {
     "malloc", "free",                                   # one comparison through ICU of long text (icu/icu_compare.cpp)
     "__ctype_toupper_loc", "__ctype_tolower_loc",       # names fold case by the C locale of the process
 }
+# What the Java bridge uses besides, in a library that has it: the functions of libjutil.so, and the resolver.
+JAVA_ALLOWED = re.compile(r"dbut_\w+|ju(Log|Zlm)\w+|gethostbyname|getservbyname")
 # Weak names that the compiler's own start-up files bring into every shared library.
 START_UP = {"__cxa_finalize", "__gmon_start__", "_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable"}
 WHY = [
@@ -62,8 +64,9 @@ def main():
     dynamic = run("readelf", "-dW", library)
     needed = re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic)
     found = imports(library) - START_UP
-    faults = [f"needs {name}" for name in needed if name != "libc.so.6"]
-    faults += [explain(name) for name in sorted(found - ALLOWED)]
+    with_java = "libjutil.so" in needed
+    faults = [f"needs {name}" for name in needed if name not in ("libc.so.6", "libjutil.so")]
+    faults += [explain(name) for name in sorted(found - ALLOWED) if not (with_java and JAVA_ALLOWED.fullmatch(name))]
     if load_time_calls(library) > 0:
         faults.append(f"{load_time_calls(library)} constructors run when the library is loaded")
     if "[libnls.so.1]" not in dynamic:

@@ -10,6 +10,9 @@ Four promises:
   3. no other exported name can be resolved to somebody else's: the library reaches its own functions without the
      dynamic linker;
   4. every header of include/nls declares something or is the umbrella, and the umbrella includes them all.
+
+A library with the Java bridge, which exports a name that begins with "Java_", must also export what the two headers in jni/
+declare; another library nothing of it.
 """
 import re
 import subprocess
@@ -18,16 +21,17 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 HEADERS = ROOT / "include" / "nls"
+JAVA_HEADERS = [ROOT / "jni" / "native_methods.h", ROOT / "jni" / "message_helpers.h"]
 
 
 def without_comments(text):
     return re.sub(r"/\*.*?\*/|//[^\n]*", " ", text, flags=re.S)
 
 
-def declared():
+def declared(headers):
     """Names marked NLS_API: name -> (header, is a function)."""
     names = {}
-    for header in sorted(HEADERS.glob("*.h")):
+    for header in headers:
         text = without_comments(header.read_text(encoding="utf-8"))
         for statement in re.findall(r"\bNLS_API\b([^;{]*);", re.sub(r"#[^\n]*", "", text)):
             head = re.sub(r"\b(NLS_CHECKED|extern|const)\b", " ", statement)
@@ -80,8 +84,13 @@ def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     library = sys.argv[1]
-    headers, exports = declared(), listed(ROOT / "cmake" / "exports.map")
-    overridable, symbols = listed(ROOT / "cmake" / "overridable.list"), dynamic(library)
+    symbols, exports = dynamic(library), listed(ROOT / "cmake" / "exports.map")
+    headers, of_java = declared(sorted(HEADERS.glob("*.h"))), declared(JAVA_HEADERS)
+    if any(name.startswith("Java_") for name in symbols):
+        headers.update(of_java)
+    else:
+        exports = {name: group for name, group in exports.items() if name not in of_java}
+    overridable = listed(ROOT / "cmake" / "overridable.list")
 
     faults = list(differences(headers, exports, "include/nls", "cmake/exports.map"))
     faults += differences(exports, symbols, "cmake/exports.map", library)
