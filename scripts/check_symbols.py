@@ -85,7 +85,8 @@ def main():
         sys.exit(__doc__)
     library = sys.argv[1]
     symbols, exports = dynamic(library), listed(ROOT / "cmake" / "exports.map")
-    headers, of_java = declared(sorted(HEADERS.glob("*.h"))), declared(JAVA_HEADERS)
+    headers = declared(sorted(HEADERS.glob("*.h")))
+    of_java = declared(header for header in JAVA_HEADERS if header.is_file())
     if any(name.startswith("Java_") for name in symbols):
         headers.update(of_java)
     else:
