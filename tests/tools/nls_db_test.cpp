@@ -16,17 +16,17 @@ namespace {
 using nls::stored::StoredCollation;
 using nls::test::Answer;
 using nls::test::Folder;
+using nls::test::KnownLeaks;
 using nls::test::Words;
 
-// On the real data file. A collator that is opened with a locale stays open: for the sanitizer's search for leaks.
+// On the real data file.
 Answer nlsOf(const std::string& line, const Words& files = {}, const std::string& input = {}, Words environment = {}) {
-    static const Folder folder;
-    static const std::string known = folder.put("known", "leak:libicuuc\nleak:libicui18n\n");
+    static const KnownLeaks leaks;
     std::istringstream stream(line);
     Words words{std::istream_iterator<std::string>(stream), {}};
     words.insert(words.end(), files.begin(), files.end());
     if (!line.starts_with("-D")) words.insert(words.begin(), {"-D", NLS_CONVMAP});
-    environment.push_back("LSAN_OPTIONS=print_suppressions=0:suppressions=" + known);
+    environment.push_back(leaks.variable());
     const Answer answer = nls::test::run(words, input, environment);
     EXPECT_EQ(answer.err.find("Sanitizer"), std::string::npos) << line << answer.err;
     EXPECT_EQ(answer.err.find("runtime error"), std::string::npos) << line << answer.err;

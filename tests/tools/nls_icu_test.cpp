@@ -17,17 +17,8 @@ namespace fs = std::filesystem;
 namespace peer = nls::test::peer;
 using nls::test::Answer;
 using nls::test::Folder;
+using nls::test::KnownLeaks;
 using nls::test::Words;
-
-// A collator that is opened with a locale stays open: for the sanitizer's search for leaks.
-class KnownLeaks {
-public:
-    KnownLeaks() { folder_.put("known", "leak:libicuuc\nleak:libicui18n\n"); }
-    std::string variable() const { return "LSAN_OPTIONS=print_suppressions=0:suppressions=" + folder_.path("known"); }
-
-private:
-    Folder folder_;
-};
 
 // On the real data file.
 Answer nlsOf(const std::string& line, const std::string& input = {}, Words environment = {}) {

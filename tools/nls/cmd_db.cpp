@@ -1,4 +1,4 @@
-// nls db: a collation that a database stores, written, shown, checked against what is at hand, and compared with another.
+// nls db: collations that databases store, written, shown, checked against what is at hand, and compared.
 #include <algorithm>
 #include <functional>
 

@@ -4,8 +4,8 @@
 // order may differ":
 //   - versions and strengths of ICU's maps with those of the ICU at hand, since its order is in no table
 //   - kind and weights with the collation of that name in the data file
-//   - what a long image holds of the charset, and for kind 3 of its case table, with the data file's, which a locale made
-//     from the record takes
+//   - what a long image holds of the charset, and for kind 3 of its case table, with the data file's, which a locale
+//     made from the record takes
 //   - the fingerprint that `nls db export` left as the text with that of the opened locale, which stands for all of
 //     these, for the way to Shift-JIS, and for the library's walks
 // A sort of the site's own always may differ. Tested by tests/tools/nls_db_test.cpp.
