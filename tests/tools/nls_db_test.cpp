@@ -60,6 +60,12 @@ std::string fileForm(const StoredCollation& collation) {
     return {bytes.begin(), bytes.end()};
 }
 
+template <std::size_t width>
+void putName(char (&field)[width], const std::string& name) {
+    std::memset(field, 0, width);
+    name.copy(field, width);
+}
+
 // A table of its kind without a class of its own: all come from the charset.
 std::string wordBreakTable(unsigned char kind) {
     std::string table(62 + 256, '\0');
@@ -97,7 +103,7 @@ TEST(NlsDb, TellsWhatHasChangedAndWhatIsDamaged) {
     using Change = std::function<void(StoredCollation&)>;
     const auto flip = [](std::size_t at) { return [at](StoredCollation& it) { it.image[at] ^= 1U; }; };
     const auto name = [](const char* charset) {
-        return [charset](StoredCollation& it) { std::strncpy(it.record.dbCharset, charset, 20); };
+        return [charset](StoredCollation& it) { putName(it.record.dbCharset, charset); };
     };
     const auto kind = [](int32_t value) { return [value](StoredCollation& it) { it.record.dbCollKind = value; }; };
     struct Row {
@@ -122,7 +128,7 @@ TEST(NlsDb, TellsWhatHasChangedAndWhatIsDamaged) {
         {"1252/german", "5", kind(6), 1, "damaged"},
         {"1252/german", "6", kind(6), 3, "its kind is 6"},
         {"1252/german", "6", name("nowhere"), 4, "has no charset nowhere"},
-        {"1252/german", "6", [](StoredCollation& it) { std::strncpy(it.record.dbCollation, "own", 32); }, 0,
+        {"1252/german", "6", [](StoredCollation& it) { putName(it.record.dbCollation, "own"); }, 0,
          "note: nothing here to compare with: 1252 has no collation \"own\""},
         {"UTF-8/basic", "6", flip(caseRecord + 8), 3, "folds by another case table"},
         {"UTF-8/basic", "6", flip(0), 1, "damaged"},
