@@ -64,7 +64,8 @@ NLS_API void JNICALL Java_com_lorvanta_common_util_ZellogFile_juLogClose(JNIEnv*
 /* Opens the message file `fileName`, or with null the one of `locale`, a text of three characters. The context, or 0:
    with an exception, and without one where the memory for the file's charset doesn't suffice or its conversion fails
    for a reason that has no text. After a failure nothing stays open. A warning goes to the static method `ps` of
-   com/lorvanta/halvane/common/Tools; if that throws, the open has failed. */
+   com/lorvanta/halvane/common/Tools; if that throws, the open has failed.
+   A warning about the name of a locale's file, which leaves nothing to open, is thrown. */
 NLS_API jlong JNICALL Java_com_lorvanta_common_util_ZelmsgsFile_juZlmOpen(JNIEnv* env, jobject self,
                                                                           jclass exceptionClass, jstring fileName,
                                                                           jstring locale);

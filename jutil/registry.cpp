@@ -1,6 +1,6 @@
 // The registry: a plain text file, named by the environment variable JUTIL_REGISTRY, with lines "NAME = value". Blanks
-// around name and value don't count, nor do lines that begin with "#"; of lines with one name the first counts. It is
-// read afresh for every look-up. No such file, no names.
+// around name and value don't count; of lines with one name the first counts. A line that begins with "#" is a comment,
+// since no name that is asked for does. The file is read afresh for every look-up. No such file, no names.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,7 +24,7 @@ char* trimmed(char* begin, char* end) {
 // The value, inside the line, if the line is that of the name; else null. The line is cut up.
 const char* valueIn(char* line, const char* name) {
     char* const sign = std::strchr(line, '=');
-    if (sign == nullptr || *line == '#') return nullptr;
+    if (sign == nullptr) return nullptr;
     char* const value = trimmed(sign + 1, sign + std::strlen(sign));
     return std::strcmp(trimmed(line, sign), name) == 0 ? value : nullptr;
 }

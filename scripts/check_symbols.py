@@ -12,7 +12,7 @@ Four promises:
   4. every header of include/nls declares something or is the umbrella, and the umbrella includes them all.
 
 A library with the Java bridge, which exports a name that begins with "Java_", must also export what the two headers in jni/
-declare; another library nothing of it.
+declare, and libjutil.so beside it what jutil.h declares; another library exports nothing of it.
 """
 import re
 import subprocess
@@ -28,12 +28,12 @@ def without_comments(text):
     return re.sub(r"/\*.*?\*/|//[^\n]*", " ", text, flags=re.S)
 
 
-def declared(headers):
-    """Names marked NLS_API: name -> (header, is a function)."""
+def declared(headers, mark="NLS_API"):
+    """Names with the mark of an export: name -> (header, is a function)."""
     names = {}
     for header in headers:
         text = without_comments(header.read_text(encoding="utf-8"))
-        for statement in re.findall(r"\bNLS_API\b([^;{]*);", re.sub(r"#[^\n]*", "", text)):
+        for statement in re.findall(rf"\b{mark}\b([^;{{]*);", re.sub(r"#[^\n]*", "", text)):
             head = re.sub(r"\b(NLS_CHECKED|extern|const)\b", " ", statement)
             function = re.search(r"\b(\w+)\s*\(", head)
             name = function.group(1) if function else re.search(r"(\w+)\s*(\[[^\]]*\]\s*)*$", head).group(1)
@@ -87,13 +87,16 @@ def main():
     symbols, exports = dynamic(library), listed(ROOT / "cmake" / "exports.map")
     headers = declared(sorted(HEADERS.glob("*.h")))
     of_java = declared(header for header in JAVA_HEADERS if header.is_file())
+    faults = []
     if any(name.startswith("Java_") for name in symbols):
         headers.update(of_java)
+        jutil = declared([ROOT / "jutil" / "include" / "jutil.h"], "JUTIL_API")
+        faults += differences(jutil, dynamic(Path(library).with_name("libjutil.so")), "jutil.h", "libjutil.so")
     else:
         exports = {name: group for name, group in exports.items() if name not in of_java}
     overridable = listed(ROOT / "cmake" / "overridable.list")
 
-    faults = list(differences(headers, exports, "include/nls", "cmake/exports.map"))
+    faults += differences(headers, exports, "include/nls", "cmake/exports.map")
     faults += differences(exports, symbols, "cmake/exports.map", library)
     faults += [f"{name} is declared in {headers[name][0]}, but the map has it under {group}"
                for name, group in exports.items() if name in headers and headers[name][0] not in group]

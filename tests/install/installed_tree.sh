@@ -44,6 +44,16 @@ export LD_LIBRARY_PATH=${libs[0]#-L}
 try pkg-config "$work/c_program" "$work/cxx_program" "$convmap"
 unset LD_LIBRARY_PATH
 
+# The installed classes find libnls.so, which finds libjutil.so beside itself.
+if [[ -f $tree/share/java/nls.jar ]]; then
+    printf 'charset SHIFT-JIS\n1001 %s\n' "$(head -n 1 "$text")" >"$work/messages.txt"
+    "$tree/bin/mkmessages" -D "$convmap" "$work/messages.txt" -o "$work/zelmsgs.jpn"
+    LC_ALL=C.UTF-8 ZELCONV=$convmap java -Dfile.encoding=UTF-8 -Djava.library.path="$(dirname "$(find "$tree" -name libnls.so)")" \
+        -cp "$tree/share/java/nls.jar" "$source/tests/install/Program.java" "$work/zelmsgs.jpn" >"$work/java.utf8"
+    head -n 1 "$text" | cmp - "$work/java.utf8"
+    echo "nls.jar: a Java program reads a message in Shift-JIS"
+fi
+
 # The tools find libnls.so and the data file beside themselves, also by way of a link from elsewhere.
 "$tree/bin/mkconvmap" --help >/dev/null
 ln -s "$tree/bin/nls" "$work/nls"

@@ -1,5 +1,5 @@
-// The functions below the bridge as the script wants them: called for real first, then answered for. The linker puts these
-// in place of those (--wrap).
+// The functions below the bridge as the script wants them: called for real first, then answered for. The linker puts
+// these in place of those (--wrap).
 #include <cstring>
 
 #include "jutil.h"

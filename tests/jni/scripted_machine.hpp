@@ -1,5 +1,6 @@
-// A Java machine that is a table of functions and a list of what it was asked, and a script by which it and the functions
-// below the bridge fail. Whoever calls the machine while an exception is pending, or leaves something unreleased, is told.
+// A Java machine that is a table of functions and a list of what it was asked, and a script by which it and the
+// functions below the bridge fail. Whoever calls the machine while an exception is pending, or leaves something
+// unreleased, is told.
 #pragma once
 
 #include <gtest/gtest.h>
