@@ -1,11 +1,13 @@
 package com.lorvanta.common.util;
 
 import java.io.IOException;
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Path;
 import java.util.Objects;
 
 /**
- * An open message file. Its texts, in whatever charset the file has them, come as Strings. It may be used by many threads.
+ * An open message file. Its texts, in whatever charset the file has them, come as Strings. It may be used by many
+ * threads.
  *
  * <pre>{@code
  * try (MessageFile messages = MessageFile.ofLocale("eng")) {
@@ -16,6 +18,8 @@ import java.util.Objects;
 public final class MessageFile implements AutoCloseable {
     private static final ZelmsgsFile NATIVE = new ZelmsgsFile();
 
+    private static final int LONGEST_PATH = 255;
+
     private long context;
 
     private MessageFile(String file, String locale) throws IOException {
@@ -25,9 +29,14 @@ public final class MessageFile implements AutoCloseable {
         }
     }
 
-    /** Opens a message file. */
+    /** Opens a message file, whose path has at most 255 bytes. */
     public static MessageFile open(Path file) throws IOException {
-        return new MessageFile(file.toString(), null);
+        String path = file.toString();
+        // The native side would cut it, and might open another file.
+        if (path.getBytes(StandardCharsets.UTF_8).length > LONGEST_PATH) {
+            throw new IOException("path of a message file too long: " + path);
+        }
+        return new MessageFile(path, null);
     }
 
     /** Opens the installed message file of a locale of three characters. */

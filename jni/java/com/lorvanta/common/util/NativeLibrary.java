@@ -3,8 +3,8 @@ package com.lorvanta.common.util;
 import java.nio.file.Path;
 
 /**
- * Loads {@code libnls.so} once for all classes with native methods: the file that the property {@code nls.library} names, or
- * else the one that {@link System#loadLibrary} finds in {@code java.library.path}.
+ * Loads {@code libnls.so} once for all classes with native methods: the file that the property {@code nls.library}
+ * names, or else the one that {@link System#loadLibrary} finds in {@code java.library.path}.
  */
 final class NativeLibrary {
     static final String PROPERTY = "nls.library";

@@ -1,8 +1,8 @@
 package com.lorvanta.common.util;
 
 /**
- * Hosts and services by the system's resolver, as the native library has them. A look-up returns the address of a record
- * that the next look-up of its kind in the process overwrites. {@link Resolver} takes care of that.
+ * Hosts and services by the system's resolver, as the native library has them. A look-up returns the address of a
+ * record that the next look-up of its kind in the process overwrites. {@link Resolver} takes care of that.
  */
 public class NetLib {
     static {

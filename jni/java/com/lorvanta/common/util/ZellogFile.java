@@ -10,8 +10,8 @@ public class ZellogFile {
     }
 
     /**
-     * Opens the log of a database, or makes it. Failures are thrown as {@code exceptionClass}, which needs a constructor from
-     * a String. 0 without an exception: there was no memory.
+     * Opens the log of a database, or makes it. Failures are thrown as {@code exceptionClass}, which needs a
+     * constructor from a String. 0 without an exception: there was no memory.
      */
     public native long juLogOpen(Class<? extends Throwable> exceptionClass, String database, boolean create);
 

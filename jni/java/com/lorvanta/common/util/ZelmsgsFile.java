@@ -10,9 +10,9 @@ public class ZelmsgsFile {
     }
 
     /**
-     * Opens the message file {@code fileName}, or with null the one of {@code locale}, a text of three characters. Failures are
-     * thrown as {@code exceptionClass}, which needs a constructor from a String. 0 without an exception: the memory set aside
-     * doesn't suffice for the file's charset, or it has no conversion.
+     * Opens the message file {@code fileName}, or with null the one of {@code locale}, a text of three characters.
+     * Failures are thrown as {@code exceptionClass}, which needs a constructor from a String. 0 without an exception:
+     * the memory set aside doesn't suffice for the file's charset, or it has no conversion.
      */
     public native long juZlmOpen(Class<? extends Throwable> exceptionClass, String fileName, String locale);
 

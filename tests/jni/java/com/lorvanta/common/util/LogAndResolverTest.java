@@ -35,7 +35,8 @@ class LogAndResolverTest {
             }
         }
         List<String> lines = Files.readAllLines(Path.of(database + ".log")).stream()
-                .map(line -> line.replaceFirst("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ \\d+ ", "")).collect(Collectors.toList());
+                .map(line -> line.replaceFirst("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ \\d+ ", ""))
+                .collect(Collectors.toList());
         assertEquals(List.of("! begun by me", "-", "- 日本語", "! 0"), lines.subList(0, 4));
         assertEquals(1003, lines.size());
         assertTrue(World.held()[0] < 200);

@@ -55,7 +55,8 @@ class MessageFileTest {
         String latin = IntStream.range(0xA0, 0x100).mapToObj(Character::toString).collect(Collectors.joining());
         String japanese = "日本語のメッセージ、ｶﾅ、ファイル「表」がありません。";
         Object[][] rows = {
-            {"SHIFT-JIS", "windows-31j", japanese}, {"EUCJIS", "EUC-JP", japanese}, {"GB2312", "GB2312", "找不到文件"},
+            {"SHIFT-JIS", "windows-31j", japanese}, {"EUCJIS", "EUC-JP", japanese},
+            {"GB2312", "GB2312", "找不到文件"},
             {"ISO8859-1", "ISO-8859-1", latin}, {"1252", "windows-1252", latin + "€"}, {"IBM037", "IBM037", latin},
             {"UTF-8", "UTF-8", latin + japanese + "😀"}};
         for (Object[] row : rows) {
@@ -63,7 +64,8 @@ class MessageFileTest {
             holds(World.write(folder, (String) row[0], in(Charset.forName((String) row[1]), texts)), texts);
         }
         World.useConvmap(World.TWO_STEP_CONVMAP);
-        holds(World.write(folder, "SHIFT-JIS", in(Charset.forName("windows-31j"), List.of(japanese))), List.of(japanese));
+        Charset sjis = Charset.forName("windows-31j");
+        holds(World.write(folder, "SHIFT-JIS", in(sjis, List.of(japanese))), List.of(japanese));
         holds(World.write(folder, "IBM037", in(Charset.forName("IBM037"), List.of(latin))), List.of(latin));
     }
 
@@ -110,6 +112,7 @@ class MessageFileTest {
         Path good = World.write(folder, "UTF-8", List.of(ONE));
         Path other = Files.write(folder.resolve("other"), World.messages("KLINGON", 1, List.of(ONE)));
         fails("error opening zelmsgs file", () -> MessageFile.open(folder.resolve("none")));
+        fails("path of a message file too long: " + "x".repeat(256), () -> MessageFile.open(Path.of("x".repeat(256))));
         fails("error reading zelmsgs file", () -> MessageFile.open(Files.createFile(folder.resolve("empty"))));
         fails("zelmsgs file " + World.CONVMAP + " isn't a zelmsgs file", () -> MessageFile.open(World.CONVMAP));
         fails("invalid or unsupported charset", () -> MessageFile.open(other));
@@ -184,7 +187,8 @@ class MessageFileTest {
         }
         long[] after = World.held();
         assertEquals(before[0], after[0]);
-        assertTrue(after[1] - before[1] < 64 * 1024, "grown by " + (after[1] - before[1]) + " KiB; a context takes 128");
+        assertTrue(after[1] - before[1] < 64 * 1024,
+                "grown by " + (after[1] - before[1]) + " KiB, a context takes 128");
     }
 
     @Test

@@ -64,7 +64,8 @@ final class World {
     static long[] held() throws IOException {
         try (var files = Files.list(Path.of("/proc/self/fd"))) {
             long memory = Files.readAllLines(Path.of("/proc/self/status")).stream()
-                    .filter(line -> line.startsWith("VmRSS")).mapToLong(line -> Long.parseLong(line.replaceAll("\\D", "")))
+                    .filter(line -> line.startsWith("VmRSS"))
+                    .mapToLong(line -> Long.parseLong(line.replaceAll("\\D", "")))
                     .sum();
             return new long[] {files.count(), memory};
         }
