@@ -201,7 +201,6 @@ TEST(Properties, ListsOfSmallFiles) {
             .attributes("UCS2", flagged(NLS_CHARSET_UNITS16))
             .attributes("utf-8 ", flagged(NLS_CHARSET_UTF8));
     };
-    const std::string icu = icuNames();
     {
         OpenHandle empty{ConvmapBuilder{}.build()};
         for (const uint32_t list : {2U, 8U, 9U}) {
@@ -214,6 +213,7 @@ TEST(Properties, ListsOfSmallFiles) {
         EXPECT_EQ(nlsGetStrNLSProperty(empty.handle, 2, &none), NLS_BUF_SMALL) << "the NUL has no room";
     }
     OpenHandle bare{build().build()};
+    const std::string icu = icuNames();  // null before the first handle of a process
     EXPECT_EQ(ofHandle(bare, 2).text, "a,bc,UCS2,utf-8 ");
     EXPECT_EQ(numberOf(bare, 1), 16U);
     EXPECT_EQ(ofLocale(bare.locale("a"), 7).text, "");
