@@ -1,15 +1,20 @@
 # One line for each test, fuzz target and benchmark. The paths are relative to the current folder.
 #
-#   nls_test(convmap/toc_test.cpp)   a GoogleTest program that sees the library's insides (nls_static)
+#   nls_test(toc_test.cpp more_test.cpp library)   a GoogleTest program that sees the library's insides (nls_static),
+#                                    of one source or more and named after the first, with libraries besides
 #   nls_fuzz(convert)                fuzz/convert.cpp: libFuzzer with NLS_FUZZ, else a test over its corpus
 #   nls_bench(unicode)               bench/unicode.cpp
 include(GoogleTest)
 
-function(nls_test source)
-  get_filename_component(name ${source} NAME_WE)
-  add_executable(${name} ${source})
+function(nls_test first)
+  get_filename_component(name ${first} NAME_WE)
+  set(sources ${first} ${ARGN})
+  set(libraries ${ARGN})
+  list(FILTER sources INCLUDE REGEX "\\.cpp$")
+  list(FILTER libraries EXCLUDE REGEX "\\.cpp$")
+  add_executable(${name} ${sources})
   nls_program_flags(${name})
-  target_link_libraries(${name} PRIVATE nls_test_support nls_static GTest::gtest_main ${ARGN})
+  target_link_libraries(${name} PRIVATE nls_test_support nls_static GTest::gtest_main ${libraries})
   target_compile_definitions(${name} PRIVATE NLS_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()

@@ -1,7 +1,7 @@
 // Whether two characters are equal under a collation, each compared alone: what search, trim and LIKE decide by.
 //
 // A place at a NUL counts as the end of a text, which equals a blank.
-// Tested by tests/collation/char_equality_test.cpp.
+// Tested by tests/chars/find_char_test.cpp, whose twin compares each character.
 #pragma once
 
 #include "collation/compare.hpp"

@@ -10,7 +10,7 @@
 // A record may hold anything: every answer is a number below 65536, nothing but the record is read, and a grid without
 // columns has no place at all. The two ways undo each other for the grids of at most two trail ranges that the data
 // file holds; with three, the way back looks at a trail byte before its gap is added, and misses some. Tested by
-// tests/conversion/ucs2_lookup_test.cpp against tests/reference/dbcs.hpp.
+// tests/conversion/dbcs_bridge_test.cpp and, character by character, tests/real.
 #pragma once
 
 #include <array>

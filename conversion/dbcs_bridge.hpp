@@ -3,7 +3,7 @@
 // Source and target must not overlap, unless the source is one single character. An empty source is converted without a
 // look at anything. Statuses: 0; -3, at least one substitute stands in the text; 2, the target is full. `length` counts
 // the bytes written, after a failure too, but for dbcsToUtf8, which tells 0 then.
-// Tested by tests/conversion/dbcs_bridge_test.cpp against tests/reference/dbcs.hpp.
+// Tested by tests/conversion/dbcs_bridge_test.cpp and, character by character, tests/real.
 #pragma once
 
 #include "conversion/converted.hpp"

@@ -3,7 +3,7 @@
 // Both directions ask the third map first where it is present, for the codes up to U+FFFF; then the first; then the
 // second. What no map holds is ASCII, the euro sign of CP936, or a substitute. This is the whole search as told, one
 // character at a time; the wide loops take from it what they can and come here for the rest.
-// Tested by tests/conversion/dbcs_bridge_test.cpp against tests/reference/dbcs.hpp.
+// Tested by tests/conversion/dbcs_bridge_test.cpp and, character by character, tests/real.
 #pragma once
 
 #include <cstdint>

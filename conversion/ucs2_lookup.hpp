@@ -14,8 +14,8 @@
 //
 // A record may hold anything: nothing outside its three arrays is read, an array whose pointer is null has no entry,
 // and shifts are taken modulo 32. What lies outside is no mapping. The walk of a row moves on by a cell or two at each
-// step, so it ends at the last cell at the latest. Tested by tests/conversion/ucs2_lookup_test.cpp against
-// tests/reference/dbcs.hpp.
+// step, so it ends at the last cell at the latest. Tested by tests/conversion/dbcs_bridge_test.cpp and,
+// character by character, tests/real.
 #pragma once
 
 #include <algorithm>

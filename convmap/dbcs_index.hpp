@@ -14,7 +14,7 @@
 // there: the pointer counts only with the seal that belongs to it and to the places of the arrays. The seal doesn't
 // depend on where the record itself lies, so a copy of the table shares the index.
 //
-// Tested by tests/conversion/dbcs_index_test.cpp.
+// Tested by tests/conversion/dbcs_bridge_test.cpp.
 #pragma once
 
 #include <cstddef>

@@ -54,25 +54,6 @@ TEST(FindChar, EveryShortStringAsBySlowTwinInsideItsPage) {
     }
 }
 
-TEST(FindChar, LongTextAsBySlowTwin) {
-    std::mt19937 random{3};
-    for (const HandRoute& route : findingLocales()) {
-        SCOPED_TRACE(route.name);
-        for (unsigned round = 0; round < 40; ++round) {
-            std::string text(random() % 300, 'x');
-            for (char& byte : text)
-                if (random() % 3 == 0) byte = findingBytes[1 + random() % 12];
-            for (const nlsLChar lchar : kSought) {
-                const auto len = static_cast<int32_t>(random() % (text.size() + 1));
-                ASSERT_EQ(forward(route.get(), lchar, bytesOf(text), round % 2),
-                          reference::findCharForw(route.get(), lchar, bytesOf(text), round % 2, kBefore));
-                ASSERT_EQ(backward(route.get(), lchar, bytesOf(text), len, round % 2),
-                          reference::findCharBack(route.get(), lchar, bytesOf(text), len, round % 2));
-            }
-        }
-    }
-}
-
 TEST(FindChar, TellsPlacesFromOne) {
     CollatedLocale sjis{sjisCharset(), plainCollation()};
     const std::string text =

@@ -115,31 +115,6 @@ TEST_P(Keys, LongTextsInBuffersOfManySizes) {
         }
 }
 
-// The order of the keys is the order of the texts. Crowded weights are left out: they have expansions among first
-// bytes, and bytes that weigh less than the blank.
-TEST_P(Keys, SortAsTheirTextsDo) {
-    for (const HandRoute& route : routes) {
-        if (route.locale->coll().foldMap[unsigned{'!'}] != '!' || route.locale->coll().exactMap[unsigned{'!'}] != '!')
-            continue;
-        std::vector<std::string> texts = {"\x88\x9F", "\x88\xA0",  "\xB0\xA1",  "\xB0\xA2",         "\xB0\xA1s  ",
-                                          "\x8E\xB1", "\x8E\xB1 ", "\xB0\xA1S", "\xA4\xA2 \xA4\xA4"};
-        const std::string sharpS = route.bridge == nullptr ? "\xDF" : "";  // a first byte in EUC
-        nls::test::forAllStrings(sharpS + "sSt !", 3, [&](const std::string& text) { texts.push_back(text); });
-        for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
-            std::vector<std::string> keys;
-            for (const std::string& text : texts) keys.push_back(keyOf(route, text, 99, mode, true));
-            for (std::size_t i = 0; i < texts.size(); ++i)
-                for (std::size_t j = 0; j < texts.size(); ++j) {
-                    uint16_t result = 77;
-                    ASSERT_EQ(nlsCompare(route.get(), nullptr, bytesOf(texts[i]), bytesOf(texts[j]), mode, &result), 0);
-                    const int order = keys[i].compare(keys[j]);
-                    ASSERT_EQ(static_cast<int16_t>(result), (order > 0) - (order < 0))
-                        << route.name << " '" << texts[i] << "' '" << texts[j];
-                }
-        }
-    }
-}
-
 TEST(SortKey, ChecksInTheirOrder) {
     CollatedLocale made{nls::test::singleByteCharset(), plainCollation()};
     nlsLocale locale = *made.get();

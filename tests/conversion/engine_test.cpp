@@ -231,26 +231,6 @@ TEST(Engine, TwoSteps) {
     EXPECT_EQ(nlsConvertBytes(target, 4, target, 1, good, nullptr), NLS_BAD_ARG);
 }
 
-TEST(Engine, UnitsGoThroughWithTheirOrder) {
-    const std::string text = "A\xF0\x9F\x98\x80";  // A, U+1F600
-    const std::string units = "\x41\0\x3D\xD8\0\xDE"s, swapped = "\0\x41\xD8\x3D\xDE\0"s;
-    const std::string wide = "\x41\0\0\0\0\xF6\x01\0"s, wideSwapped = "\0\0\0\x41\0\x01\xF6\0"s;
-    const struct {
-        int64_t word;
-        std::string source, want;
-    } rows[] = {{21, units, text},           {23, units, text},      {0x097, swapped, text},
-                {0x117, units, text},        {22, text, units},      {24, text, units},
-                {0x218, text, swapped},      {0x418, text, units},   {25, wide, text},
-                {0x099, wideSwapped, text},  {26, text, wide},       {0x21A, text, wideSwapped},
-                {27, units, wide},           {0x09B, swapped, wide}, {0x29B, swapped, wideSwapped},
-                {0x31B, units, wideSwapped}, {0x49B, swapped, wide}, {28, wide, units},
-                {0x09C, wideSwapped, units}, {0x21C, wide, swapped}, {0x29C, wideSwapped, swapped}};
-    for (const auto& row : rows)
-        EXPECT_EQ(run(MadeTable{row.word}, row.source, static_cast<int32_t>(row.want.size())),
-                  (Outcome{0, static_cast<uint32_t>(row.want.size()), row.want}))
-            << row.word;
-}
-
 TEST(Engine, WaitingTypesAnswerThatNoConverterIsThere) {
     for (const int word : {5, 6, 0x105, 0x406, 0x085, 0x206, 0x185, 0x606})
         EXPECT_EQ(run(MadeTable(word, 8), "ab", 4), (Outcome{8, kUnset, "xxxx"})) << word;

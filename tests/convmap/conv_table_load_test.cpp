@@ -143,29 +143,6 @@ TEST(ConvTableLoad, ATableIsReadOnceAndItsInverseWithIt) {
     EXPECT_EQ(get(open, "LATIN", "CYRILLIC").status, NLS_OK) << "a later call reads again";
 }
 
-TEST(ConvTableLoad, Utf16OfAMultiByteCharsetStandsOnItsBridge) {
-    ConvmapBuilder builder = smallWorld();
-    builder.bare("UTF-16BE", "SHIFT-JIS", 170).bare("SHIFT-JIS", "UTF-16BE", 171);
-    OpenHandle open{builder.build()};
-    const struct {
-        const char *from, *to;
-        int64_t word;
-        ConvType type, inner;
-    } rows[] = {{"SHIFT-JIS", "UTF-16", 29, ConvType::dbcsToUtf16, ConvType::dbcsToUtf8},
-                {"UTF-16", "SHIFT-JIS", 30, ConvType::utf16ToDbcs, ConvType::utf8ToDbcs},
-                {"UTF-16BE", "SHIFT-JIS", 0x09E, ConvType::utf16ToDbcs, ConvType::utf8ToDbcs},
-                {"SHIFT-JIS", "UTF-16BE", 0x21D, ConvType::dbcsToUtf16, ConvType::dbcsToUtf8}};
-    for (const auto& row : rows) {
-        const Got got = get(open, row.from, row.to);
-        ASSERT_EQ(got.status, NLS_OK);
-        EXPECT_EQ(got.typeWord(), row.word);
-        EXPECT_EQ(ConvTable{got.table}.type(), row.type);
-        EXPECT_EQ(ConvTable{got.table}.inner().type(), row.inner);
-        EXPECT_EQ(ConvTable{got.table}.swapsSource(), row.word == 0x09E);
-        EXPECT_EQ(ConvTable{got.table}.swapsTarget(), row.word == 0x21D);
-    }
-}
-
 TEST(ConvTableLoad, TwoStepsGoThroughAMiddleCharset) {
     OpenHandle open{smallWorld().build()};
     const Got got = get(open, "LATIN", "UTF-16");

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "convmap/inverse_table.hpp"
+#include "core/base/views.hpp"
 #include "nls/inner.h"
 #include "tests/support/convmap_builder.hpp"
 #include "tests/support/open_handle.hpp"
@@ -31,23 +31,6 @@ TEST(InverseTable, IsACopyBehindTheRawByte) {
         EXPECT_EQ(insertInverseStruct(open.handle, "A", "B", body, length), NLS_NO_MEM);
         EXPECT_EQ(open.handle->toc[0].data, kept);
     }
-}
-
-// A reader goes by the raw byte, so a block of a known kind goes into an entry of that kind alone.
-TEST(InverseTable, WantsAnEntryOfItsKind) {
-    using nls::TableBlock;
-    const unsigned dbcs[] = {17, 18, 50, 81, 89}, pages[] = {20};  // an order bit, 80, makes no difference
-    for (const TableBlock kind : {TableBlock::dbcs, TableBlock::sbcsPages})
-        for (unsigned raw = 0; raw < 256; ++raw) {
-            OpenHandle open{ConvmapBuilder{}.bare("A", "B", static_cast<unsigned char>(raw)).build(), 25000};
-            const nls::LoadContext context = nls::loadContextOf(*open.handle);
-            bool fits = false;
-            for (const unsigned one : dbcs) fits = fits || (kind == TableBlock::dbcs && (raw & 0x7F) == one);
-            for (const unsigned one : pages) fits = fits || (kind == TableBlock::sbcsPages && (raw & 0x7F) == one);
-            const unsigned char block[2048] = {};
-            EXPECT_EQ(nls::installInverse(context, {"A", "B"}, block, kind), fits ? NLS_OK : NLS_NO_CONV_TABLE) << raw;
-            EXPECT_EQ(open.handle->toc[0].data != nullptr, fits) << raw;
-        }
 }
 
 }  // namespace

@@ -67,8 +67,7 @@ TEST_P(NamesUnder, CompareAndAreFoundByTheTableOfTheProcess) {
 
 // A locale of UTF-8 has no upper case for bytes from 80 on, and none within a byte for the Turkish "i".
 INSTANTIATE_TEST_SUITE_P(, NamesUnder,
-                         testing::Values(Under{"C", "", true, false}, Under{"C", "UTF-8", true, false},
-                                         Under{"de_DE", "ISO-8859-1", true, true}, Under{"de_DE", "UTF-8", true, false},
+                         testing::Values(Under{"C", "", true, false}, Under{"de_DE", "ISO-8859-1", true, true},
                                          Under{"tr_TR", "ISO-8859-9", false, true},
                                          Under{"tr_TR", "UTF-8", false, false}));
 

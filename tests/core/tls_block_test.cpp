@@ -17,9 +17,10 @@ TEST(TlsBlock, NullAsksForTheSizeThatIsEnoughAnywhere) {
 }
 
 TEST(TlsBlock, StartsAtTheFirstMultipleOf8AndStaysInside) {
-    nls::test::GuardedBuffer guarded{64};
-    for (uint32_t room = 0; room <= 56; ++room) {
-        unsigned char* const buffer = guarded.atEnd(room);  // every address modulo 8 comes by
+    nls::test::GuardedBuffer guarded{72};
+    for (uint32_t place = 0; place < 57 * 8; ++place) {
+        const uint32_t room = place / 8;
+        unsigned char* const buffer = guarded.atEnd(room + place % 8);  // every address modulo 8 comes by
         std::memset(buffer, 0xA5, room);
         const uint32_t pad = (8 - static_cast<uint32_t>(reinterpret_cast<uintptr_t>(buffer) % 8)) % 8;
         uint32_t size = room;

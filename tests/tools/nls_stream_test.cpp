@@ -14,39 +14,12 @@ using nls::test::Folder;
 using nls::test::run;
 using nls::test::Words;
 
-std::vector<std::string> charsets() {
-    std::istringstream lines(run({"list"}).out);
-    std::vector<std::string> names;
-    for (std::string line; std::getline(lines, line);)
-        if (!line.ends_with("no conversion")) names.push_back(line.substr(0, line.find(' ')));
-    return names;
-}
-
-// Characters of the alphabets at hand, as UTF-8.
-std::string mixedText(std::mt19937& random, std::size_t length) {
-    static const char* const letters[] = {"a",
-                                          "Z",
-                                          "\n",
-                                          " ",
-                                          "\xC3\xBC",
-                                          "\xD0\xB6",
-                                          "\xE3\x81\x82",
-                                          "\xE6\xBC\xA2",
-                                          "\xE2\x82\xAC",
-                                          "\xED\x95\x9C",
-                                          "\xE0\xB8\x81",
-                                          "\xF0\x9F\x98\x80"};
-    std::string text;
-    while (text.size() < length) text += letters[random() % std::size(letters)];
-    return text;
-}
-
 // Half a megabyte at every alignment of the chunks to the characters.
 TEST(NlsStream, LongTextIsCutBetweenCharacters) {
     std::string body;
     while (body.size() < 500000) body += "\xE6\xBC\xA2\xE5\xAD\x97\xE3\x81\x82 log";
     const Folder folder;
-    for (const char* charset : {"UTF-8", "SHIFT-JIS", "EUCJIS", "CP936", "UTF-16", "UTF-16BE", "UTF-32BE"}) {
+    for (const char* charset : {"UTF-8", "SHIFT-JIS", "EUCJIS", "UTF-16BE"}) {
         for (std::size_t shift = 0; shift < 4; ++shift) {
             const std::string text = std::string(shift, 'x') + body;
             const std::string utf8 = folder.put("utf8", text);
@@ -60,7 +33,7 @@ TEST(NlsStream, LongTextIsCutBetweenCharacters) {
 TEST(NlsStream, PlacesAreExactBehindAnyNumberOfChunks) {
     std::mt19937 random{11};
     const Folder folder;
-    for (int round = 0; round < 6; ++round) {
+    for (int round = 0; round < 2; ++round) {
         std::string text;
         std::ostringstream want;
         uint64_t line = 1;
@@ -87,26 +60,11 @@ TEST(NlsStream, PlacesAreExactBehindAnyNumberOfChunks) {
     }
 }
 
-// Every charset: what doesn't convert is dropped, so what is left converts there and back without a word.
-TEST(NlsStream, WhatIsLeftOfMixedTextConvertsBothWays) {
-    std::mt19937 random{3};
-    const std::string text = mixedText(random, 20000);
-    for (const std::string& charset : charsets()) {
-        const Answer there = run({"convert", "-c", "-s", "-t", charset}, text);
-        EXPECT_TRUE(there.exit == 0 || there.exit == 3) << charset << there.err;
-        EXPECT_EQ(run({"check", "-f", charset}, there.out).exit, 0) << charset;
-        const Answer back = run({"convert", "-f", charset}, there.out);
-        EXPECT_EQ(back.exit, 0) << charset << back.err;
-        const Answer again = run({"convert", "--lossless", "-t", charset}, back.out);
-        EXPECT_EQ(again.exit, 0) << charset << again.err;
-        EXPECT_TRUE(again.out == there.out) << charset;
-    }
-}
-
-// Random bytes under every charset: never a crash, and what is called lossless is.
-TEST(NlsStream, RandomBytesUnderEveryCharset) {
+// Random bytes under a charset of each kind: never a crash, and what is called lossless is.
+TEST(NlsStream, RandomBytesUnderEveryKindOfCharset) {
     std::mt19937 random{5};
-    for (const std::string& charset : charsets()) {
+    for (const std::string charset :
+         {"UTF-8", "UTF-16BE", "UTF-32LE", "UCS2", "1252", "IBM037", "SHIFT-JIS", "EUCJIS", "CP936", "ISO6937"}) {
         std::string bytes;
         for (int i = 0; i < 3000; ++i)
             bytes += static_cast<char>(random() % (i < 1500 ? 256 : 128) + (i < 1500 ? 0 : 64));

@@ -17,18 +17,11 @@ TEST(Refusals, OfACharset) {
         std::string text, message;
     } rows[] = {
         {"", "charsets/X.txt: the charset has no name: a line \"charset NAME\" is missing"},
-        {"charset X\n", "charsets/X.txt: the charset has no kind: a line \"kind …\" is missing"},
         {"charset Y\nkind single-byte\nsource iconv ISO-8859-1\n", "charsets/X.txt:1: the file of X describes Y"},
-        {"charset X\ncharset X\n", "charsets/X.txt:2: the charset has a name already"},
-        {"charset\n", "charsets/X.txt:1: charset needs a name"},
-        {"charset X Y\n", "charsets/X.txt:1: \"Y\" is too much for charset"},
         {"source iconv ASCII\n", "charsets/X.txt:1: \"kind\" has to stand in front of \"source\""},
         {"charset X\nkind octet\n",
          "charsets/X.txt:2: \"octet\" is no kind: single-byte, multi-byte, utf-8, ucs2, utf-16 or utf-32"},
-        {kHead + "kind utf-8\n", "charsets/X.txt:3: the charset has a kind already"},
         {kHead + "wide 41\n", "charsets/X.txt:3: \"wide\" means nothing in a charset of this kind"},
-        {"charset X\nkind utf-8\norder big\n", "charsets/X.txt:3: \"order\" means nothing in a charset of this kind"},
-        {"charset X\nkind utf-16\norder middle\n", "charsets/X.txt:3: \"middle\" is no order: little or big"},
         {"charset X\nkind utf-8\n",
          "charsets/X.txt:1: the library looks for this form of Unicode under the name UTF-8"},
         {"charset X\nkind utf-16\n",
@@ -37,23 +30,14 @@ TEST(Refusals, OfACharset) {
          "charsets/X.txt:1: the library takes the name Undefined for a charset that is never converted"},
         {kHead + "row 00 \x01\n", "charsets/X.txt:3: a control character stands in the line"},
         // Sources.
-        {kHead + "source\n", "charsets/X.txt:3: source needs a library, icu or iconv"},
-        {kHead + "source perl X\n", "charsets/X.txt:3: \"perl\" is no source of rows: icu or iconv"},
         {kHead + "source iconv NO-SUCH\n", "charsets/X.txt:3: iconv knows no charset \"NO-SUCH\""},
-        {kHead + "source iconv ASCII//TRANSLIT\n",
-         "charsets/X.txt:3: \"ASCII//TRANSLIT\" is no plain name of a charset"},
         {kHead + "source icu NO-SUCH\n", "charsets/X.txt:3: ICU has no converter \"NO-SUCH\""},
-        {kLatin + "source iconv ASCII\n", "charsets/X.txt:4: the charset has a source already"},
         // Rows and fillers.
         {kHead, "charsets/X.txt:1: byte 00 has no character and isn't filled"},
         {kHead + "source iconv ASCII\n", "charsets/X.txt:3: byte 80 has no character and isn't filled"},
-        {kLatin + "row 41\n", "charsets/X.txt:4: row needs a character"},
-        {kLatin + "row 100 41\n", "charsets/X.txt:4: 100 is above FF"},
-        {kLatin + "row 41 0x41\n", "charsets/X.txt:4: \"0x41\" is no hexadecimal number"},
         {kLatin + "row FF 100 101\n", "charsets/X.txt:4: the row runs past byte FF"},
         {kLatin + "row 41 100\nrow 41 101\n", "charsets/X.txt:5: byte 41 has a row already"},
         {kLatin + "row 80 1F600\n", "charsets/X.txt:4: byte 80 has U+1F600; the format ends at U+FFFF"},
-        {kLatin + "row 80 110000\n", "charsets/X.txt:4: 110000 is above 10FFFF"},
         {kLatin + "row 80 DEAD\n", "charsets/X.txt:4: byte 80 (U+DEAD) is half a surrogate pair"},
         {kLatin + "row 80 FFFD\n", "charsets/X.txt:4: byte 80 (U+FFFD) is no character"},
         {kLatin + "row 80 0\n", "charsets/X.txt:4: byte 80 (U+0000): byte 00 and no other is U+0000"},
@@ -63,11 +47,7 @@ TEST(Refusals, OfACharset) {
          "charsets/X.txt:5: bytes 80 (U+20AC) and A4 (U+30AC) share a key: the way back sees the low 12 bits alone "
          "above U+07FF"},
         {kHead + "source iconv ASCII\nfill 80-FF\nrow 41 7CC\n", ""},
-        {kHead + "source iconv ASCII\nfill 80-FF\nrow 41 87A0\n",
-         "charsets/X.txt:4: bytes 41 (U+87A0) and A0 (U+F7A0) share a key: the way back sees the low 12 bits alone "
-         "above U+07FF"},
         {kLatin + "fill 80\n", "charsets/X.txt:4: byte 80 has a character, U+0080"},
-        {kLatin + "fill 9F-80\n", "charsets/X.txt:4: the range 9F-80 ends before it begins"},
         {kHead + "source iconv ASCII\nfill 80-FF\nfill 90\n", "charsets/X.txt:5: byte 90 is named twice"},
         // The bytes of a multi-byte charset.
         {"charset X\nkind multi-byte\nlength 4 81\n", "charsets/X.txt:3: 4 is above 3"},
@@ -91,15 +71,9 @@ TEST(Refusals, OfAMultiByteCharset) {
     const struct {
         std::string text, message;
     } rows[] = {
-        {"rings first", "6: \"rings\" means nothing in a multi-byte charset"},
-        {"source iconv UHC", "6: the charset has a source already"},
         {"single A1", "6: byte A1 begins a double byte"},
         {"single 7F-80", "6: bytes below 80 are ASCII"},
         {"forth third", "6: the third map has no grid yet"},
-        {"grid fourth lead A1 trail A1", "6: \"fourth\" is no map"},
-        {"grid third lead A1-FE", "6: grid needs trail"},
-        {"grid third lead A1-FE trail", "6: the grid has no trail bytes"},
-        {kThirdMap + "grid third lead A1 trail A1", "8: the third map has a grid already"},
         {"grid third lead A1-FE trail 41-5A 61-7A 81-FE", "6: three ranges of trail bytes don't inv"},
         {"grid third lead A1 B1 C1 trail A1-FE", "6: the format holds two ranges of lead bytes"},
         {"grid third lead A1-FE trail 40-7E 7E-FE", "6: the ranges of trail bytes overlap"},
@@ -108,8 +82,6 @@ TEST(Refusals, OfAMultiByteCharset) {
         {kThirdMap + "direct third FF00-10000", "8: the direct form ends at U+FFFF"},
         {kThirdMap + "direct third 0-FFFF", "8: the block has more than 65535 code points"},
         {kThirdMap + "rows third 2/2 A1-451", "8: the third map is searched in the direct form"},
-        {kFirstMap + "rows first 2 A1-451", "7: \"2\" are no shifts"},
-        {kFirstMap + "rows first 15/2 A1-451", "7: 15 is above 14"},
         {kFirstMap + "rows first 2/2 A0-A3 B0 C0 D0 E0 F0", "7: 6 blocks; the format holds 5"},
         {kFirstMap + "rows first 2/2 A0-B0 B0-C0", "7: the blocks overlap or aren't ascending"},
         {kThirdMap + kFirstMap + "rows first 3/2 A0-A1 A4-C0", "9: the block at U+00A4 begins within"},
@@ -125,13 +97,8 @@ TEST(Refusals, OfAMultiByteCharset) {
         {"without ACF2-ACFE", "6: ACF2-ACFE: the source has no code of this range"},
         {"yield C9A1-C9FE", "6: C9A1-C9FE: no code of this range has a character"},
         {"back A5 C9A1", "6: C9A1 has no character"},
-        {"back A5 0", "6: 00 has no character"},
-        {"back 5C A1A1", "6: U+005C is ASCII"},
         {"back 3000 A1A2", "6: U+3000 goes to A1A1 already"},
         {"substitute C9A1", "1: the substitute C9A1 has no character"},
-        {"charset X\nkind multi-byte\nlength 1 A1-FE\n", "1: the charset has no source"},
-        {"charset X\nkind multi-byte\nsource icu NOPE\n", "3: ICU has no converter \"NOPE\""},
-        {"charset X\nkind multi-byte\nsource icu UTF-8 jis\n", "3: \"jis\" is no way to take rows over"},
         {"charset X\nkind multi-byte\nlength 2 8F\nsource iconv EUC-JP\n", "1: a mapping of characters above"},
         {"charset X\nkind multi-byte\nlength 1 87-FE\ntrail 40-7E A1-FE\nsource iconv BIG5-HKSCS\n",
          "5: 8862 is a sequence of 2 code points"},
@@ -176,17 +143,10 @@ TEST(Refusals, OfAList) {
     const struct {
         std::string text, message;
     } rows[] = {
-        {"# nothing\n", "map.list: the list is empty"},
-        {"colation X\n",
-         "map.list:1: \"colation\" is none of charset, convert, convert-by-rule, collation, collation-part, case"},
-        {"charset\n", "map.list:1: charset needs names of charsets"},
         {"charset NONE\n", "map.list:1: there is no charsets/NONE.txt"},
-        {"charset ../map\n", "map.list:1: \"../map\" is no name of a file"},
         {"charset A-NAME-OF-20-LETTERS\n",
          "map.list:1: the name \"A-NAME-OF-20-LETTERS\" has 20 characters; the data file holds 19"},
-        {"charset KŒLN\n", "map.list:1: \"KŒLN\" is no name: ASCII characters are wanted"},
         {"charset LATIN latin\n", "map.list:1: the charset latin is in the list already"},
-        {charsets + "convert LATIN\n", "map.list:2: convert needs two charsets"},
         {charsets + "convert LATIN GREEK\n", "map.list:2: no charset GREEK in the list so far"},
         {charsets + "convert LATIN latin\n", "map.list:2: LATIN converts to itself without an entry"},
         {charsets + "convert LATIN UTF-8 CYRILLIC\nconvert CYRILLIC LATIN\n",
@@ -196,10 +156,6 @@ TEST(Refusals, OfAList) {
         {charsets + "convert LATIN CYRILLIC UTF-8\n",
          "map.list:2: LATIN to UTF-8 has to stand in front of the conversions without UTF-8, or routes of two steps "
          "would miss UTF-8"},
-        {charsets + "charset UTF-16LE\nconvert UTF-16 UTF-16LE\n",
-         "map.list:3: no conversion type leads from UTF-16 to UTF-16LE"},
-        {charsets + "charset GB2312\nconvert LATIN GB2312\n",
-         "map.list:3: no conversion type leads from LATIN to GB2312"},
         {charsets + "charset GB2312\nconvert UTF-16 GB2312\n",
          "map.list:3: UTF-16 to GB2312 needs the conversion UTF-8 to GB2312"},
         {charsets + "charset SHIFT-JIS EUCJIS\nconvert UTF-8 SHIFT-JIS EUCJIS\n",
@@ -210,7 +166,7 @@ TEST(Refusals, OfAList) {
     for (const auto& row : rows) {
         const MapFolder folder;
         addSmallCharsets(folder);
-        for (const char* name : {"UTF-16LE", "GB2312", "SHIFT-JIS", "EUCJIS"}) {
+        for (const char* name : {"GB2312", "SHIFT-JIS", "EUCJIS"}) {
             const std::string file = std::string{"charsets/"} + name + ".txt";
             std::filesystem::copy_file(dataFolder() / file, folder.path(file));
         }

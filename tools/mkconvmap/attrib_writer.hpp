@@ -1,5 +1,5 @@
 // The attribute table of a charset: which bytes are letters, how long a character is, what may trail.
-// Tested by tests/real/real_attributes_test.cpp.
+// Tested by tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Entries for conversions: which type serves a pair of charsets, and the record that it needs.
-// Tested by tests/tools/read_back_test.cpp and tests/real/real_legacy_pairs_test.cpp.
+// Tested by tests/tools/read_back_test.cpp and tests/real/real_forms_test.cpp.
 #pragma once
 
 #include <array>

@@ -2,7 +2,7 @@
 // squeezed out. A character's number counts the places of the grid row by row from 1; 0 is never a character.
 //
 // A single byte stands in a row of its own, the lead byte 00.
-// Tested by tests/tools/ucs2_pack_test.cpp.
+// Tested by tests/tools/read_back_test.cpp and tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <cstdint>

@@ -2,7 +2,7 @@
 //
 // The way forth is what the source decodes; the way back its inverse, where of several codes of one character the
 // lowest is taken that doesn't yield, and the one-way entries of the description. Tested by
-// tests/tools/ucs2_pack_test.cpp.
+// tests/tools/read_back_test.cpp and tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <cstdint>

@@ -6,7 +6,7 @@
 // Rows of the way back. A walk ends at the first cell for column 0 whatever stands there, so every row begins with a
 // cell for column 0, of value 0 where nothing is mapped: 0 leads to the code FFFF, and that ends the search of the map
 // as a miss. The last cell of a row jumps past its end. All empty rows are one. Tested by
-// tests/tools/ucs2_pack_test.cpp.
+// tests/tools/read_back_test.cpp and tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <array>

@@ -2,7 +2,7 @@
 // packer and from the library, so that a fault of either shows.
 //
 // An index outside its array, which no sound map yields, is a failure and no miss.
-// Tested by tests/tools/ucs2_pack_test.cpp.
+// Tested by tests/tools/read_back_test.cpp and tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 // How a multi-byte charset maps to Unicode and how its map records are laid out: the lines of its description behind
 // name, kind and bytes. data/README.md tells the language.
-// Tested by tests/tools/ucs2_pack_test.cpp.
+// Tested by tests/tools/read_back_test.cpp and tests/real/real_charsets_test.cpp.
 #pragma once
 
 #include <array>
