@@ -36,6 +36,7 @@ ARROWS = {
     "tools/nls": CLIENT | {"convmap/file_format.hpp", "convmap/type_codes.hpp", "core/base", "icu/packaging.hpp",
                            "icu/slot_names.hpp", "tools/stored"},
     "tools/stored": CLIENT,
+    "integrations/sqlite": CLIENT | {"core/base/views.hpp", "tools/nls", "tools/stored"},
     "tools/mkmessages": CLIENT | {"jutil"},
     "jni": CLIENT | {"jutil/include"},
     "jutil": set(),

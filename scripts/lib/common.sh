@@ -30,7 +30,7 @@ need_packages() {
 
 # What each of the two commands needs. README tells what each package is for.
 BUILD_PACKAGES=(g++ make cmake libicu-dev libcli11-dev)
-CHECK_PACKAGES=("${BUILD_PACKAGES[@]}" libgtest-dev libbenchmark-dev libsqlite3-dev clang libclang-rt-14-dev clang-format clang-tidy
+CHECK_PACKAGES=("${BUILD_PACKAGES[@]}" libgtest-dev libbenchmark-dev libsqlite3-dev sqlite3 clang libclang-rt-14-dev clang-format clang-tidy
     python3 pkg-config binutils locales git default-jdk-headless junit5 netbase)
 
 # The parallel jobs of a build: one for each core.

@@ -64,3 +64,11 @@ for nls in "$tree/bin/nls" "$work/nls"; do
     [[ ! -d $build/icu/packs ]] || [[ $("$nls" compare -l UTF-8/ICU-sv Zorn Åkesson) == "<" ]]
 done
 echo "nls: the installed command makes the same of it"
+
+# So does the extension for SQLite, where it was built and the shell is there.
+extension=$(find "$tree" -path '*/nls/nls.so')
+if [[ -n $extension ]] && command -v sqlite3 >/dev/null; then
+    [[ $(sqlite3 :memory: "SELECT load_extension('${extension%.so}')" \
+        "SELECT hex(nls_convert('ö', 'UTF-8', 'SHIFT-JIS', 'subst')), nls_upper('ö')") == $'\n'*Ö ]]
+    echo "nls.so: SQLite loads the installed extension"
+fi

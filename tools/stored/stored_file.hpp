@@ -37,12 +37,12 @@ Bytes toFileForm(const StoredCollation& stored);
 // What stands in a file form; nothing, and `trouble` says why, where the bytes aren't one.
 std::optional<StoredCollation> fromFileForm(ByteView bytes, std::string& trouble);
 
-// The tables of a locale, by nlsLocaleToDbCollation and with its answers; format 6 and more is the long image. Word-break
-// table and text stay as they are.
+// The tables of a locale, by nlsLocaleToDbCollation and with its answers; format 6 and more is the long image.
+// Word-break table and text stay as they are.
 nlsStatus takeFrom(const nlsLocale& locale, int32_t format, StoredCollation& stored);
 
-// Makes a database locale, by nlsDbCollationToLocale and with its answers, in `block`, which grows as needed and stays
-// the locale's until nlsCloseDBLocale. `wordBreakLocale` is that of `wordBreakCharset`, or null. On NLS_NO_MEM: give the
+// Makes a database locale, by nlsDbCollationToLocale and with its answers, in `block`, which grows as needed and is the
+// locale's until nlsCloseDBLocale. `wordBreakLocale` is that of `wordBreakCharset`, or null. On NLS_NO_MEM: give the
 // arena a buffer and call again; for kind 5 it may also say that ICU can't be had.
 nlsStatus openStored(nlsHandle* handle, const StoredCollation& stored, nlsLocale* wordBreakLocale,
                      std::vector<uint64_t>& block, nlsLocale*& locale);
