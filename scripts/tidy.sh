@@ -18,8 +18,10 @@ if (($# != 0)); then
 fi
 mapfile -t own < <(git ls-files 'core/*.cpp' 'convmap/*.cpp' 'chars/*.cpp' 'conversion/*.cpp' 'collation/*.cpp' \
     'icu/*.cpp' 'strings/*.cpp' 'jni/*.cpp' 'jutil/*.cpp' 'tools/*.cpp' 'integrations/*.cpp')
-printf '%s\n' "${own[@]}" | tidy
-echo "clang and clang-tidy have nothing to say about ${#own[@]} files of the library and the tools"
+bad=0
+printf '%s\n' "${own[@]}" | tidy &&
+    echo "clang and clang-tidy have nothing to say about ${#own[@]} files of the library and the tools" || bad=1
 mapfile -t others < <(git ls-files 'tests/*.c' 'tests/*.cpp' 'bench/*.cpp' 'fuzz/*.cpp')
-printf '%s\n' "${others[@]}" | in_parallel python3 scripts/clang_reads.py "$build/compile_commands.json"
-echo "clang has nothing to say about ${#others[@]} files of tests, benchmarks and fuzz targets"
+printf '%s\n' "${others[@]}" | in_parallel python3 scripts/clang_reads.py "$build/compile_commands.json" &&
+    echo "clang has nothing to say about ${#others[@]} files of tests, benchmarks and fuzz targets" || bad=1
+exit $bad

@@ -164,12 +164,13 @@ NLS_TARGET_AVX512 inline bool hasPlainAsciiForms(const nlsUnicodeCaseStruct& tab
     const uint16_t* const forms = table.casePages[0] + caseIndexOf(0, CaseForm::lower);
     const AsciiForms& plain = kPlainAsciiForms[static_cast<unsigned>(CaseForm::lower)];
     constexpr std::size_t kEntries = kTextBlock / sizeof plain[0];
-    const auto different = [&](std::size_t i) NLS_TARGET_AVX512 {
-        return _mm512_xor_si512(_mm512_loadu_si512(forms + i * kEntries), _mm512_load_si512(&plain[i * kEntries]));
-    };
-    static_assert(kAsciiPageEntries / 2 == 4 * kEntries);
-    const __m512i any =
-        _mm512_or_si512(_mm512_or_si512(different(0), different(1)), _mm512_or_si512(different(2), different(3)));
+    static_assert(kAsciiPageEntries / 2 % kEntries == 0);
+    __m512i any = _mm512_setzero_si512();
+#pragma GCC unroll 4
+    for (std::size_t i = 0; i < kAsciiPageEntries / 2; i += kEntries) {
+        const __m512i odd = _mm512_xor_si512(_mm512_loadu_si512(forms + i), _mm512_load_si512(&plain[i]));
+        any = _mm512_or_si512(any, odd);
+    }
     return _mm512_test_epi8_mask(any, any) == 0;
 }
 

@@ -1,4 +1,4 @@
-// The command nls with ICU: the orders of the packs beside ICU called directly, and what it says where ICU can't be had.
+// The command nls with ICU: orders of the packs beside ICU called directly, and what it says where ICU can't be had.
 #include <gtest/gtest.h>
 
 #include <sys/statvfs.h>

@@ -28,8 +28,8 @@ StoredCollation sample(std::size_t imageSize, std::size_t wordBreakBody, const s
 }
 
 TEST(StoredFile, IsReadBack) {
-    for (const std::size_t imageSize : {0, 512, 1376, 7352}) {
-        for (const std::size_t body : {0, 1, 256, 65535}) {
+    for (const std::size_t imageSize : {0u, 512u, 1376u, 7352u}) {
+        for (const std::size_t body : {0u, 1u, 256u, 65535u}) {
             const StoredCollation want = sample(imageSize, body, body == 1 ? "" : "A text, \xC3\xA4");
             const Bytes bytes = toFileForm(want);
             std::string trouble;
