@@ -4,12 +4,12 @@
    needed, and on NLS_NO_MEM from them nlsAddBuffer and the same call again; nlsTlsInit on each thread that wants a
    block of its own; work; nlsTlsClose on each thread; nlsClose; last the caller takes back the block and the buffers.
 
-   All memory is the caller's. The library allocates none: objects and tables are laid one behind another into the block
-   and the buffers (the arena), where they stay until the handle is closed. Nothing in the arena is ever freed or
-   reused, and a call that fails keeps what it took before it failed.
+   All memory is the caller's: objects and tables are laid one behind another into the block and the buffers (the
+   arena), where they stay until the handle is closed. Nothing in the arena is ever freed or reused, and a call that
+   fails keeps what it took before it failed. A comparison of long texts through ICU alone takes memory (icu.h).
 
-   There are no locks. Calls that change a handle (nlsClose, nlsAddBuffer and the create calls) must not overlap on one
-   handle; the library notices an overlap only by chance, with NLS_BUSY. Finished objects may be used by many threads.
+   There are no locks. Calls that change a handle (nlsClose, nlsAddBuffer, nlsGetMem, nlsCloseDBLocale, those that make
+   objects) must not overlap on one handle; NLS_BUSY tells of it by chance alone. Finished objects serve many threads.
 
    Valid C11 and C++20. */
 #ifndef NLS_HANDLE_H

@@ -104,7 +104,7 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app{"Compiles descriptions of charsets and conversions into a data file."};
+    CLI::App app{"Compiles descriptions of charsets, collations and case tables into a data file."};
     Options options;
     app.add_option("LIST", options.list, "What goes into the file, in order")->required();
     app.add_option("-o,--output", options.output, "The data file to write")->required();

@@ -322,6 +322,11 @@ void addDiffStored(const Command& db, const Common& common) {
 void addDb(const Command& program, const Common& common) {
     Command command = program.add("db", "collations that databases store: export, dump, check, diff");
     command.takesCommands();
+    command.footer(
+        "Examples:\n"
+        "  nls db export -l 1252/swedish -o swedish.nlscoll\n"
+        "  nls db check swedish.nlscoll             does it sort here as it did there?\n"
+        "  nls db diff swedish.nlscoll other.nlscoll\n");
     for (const auto add : {&addExport, &addDumpStored, &addCheckStored, &addDiffStored}) add(command, common);
 }
 
