@@ -107,11 +107,12 @@ jstring Java_com_lorvanta_common_util_ZelmsgsFile_juZlmLookup(JNIEnv* env, jobje
     unsigned char text[JU_ZLM_TEXT];
     auto* const chars = reinterpret_cast<char*>(text);
     chars[0] = '\0';
-    if (const int32_t code = juZlmLookup(contextAt(context), number, chars); code != 0) {
+    const int32_t code = juZlmLookup(contextAt(context), number, chars);
+    chars[JU_ZLM_TEXT - 1] = '\0';  // whatever the utility library has written
+    if (code != 0) {
         nls::throwText(env, exceptionClass, chars[0] != '\0' ? chars : getErrorString(code));
         return nullptr;
     }
-    chars[JU_ZLM_TEXT - 1] = '\0';  // whatever the utility library has written
     unsigned char utf8[nls::kUtf8Size];
     const nls::Utf8Message message = nls::convertMessage(*contextAt(context), text, utf8);
     if (message.code == NLS_CONVMAP_OK) return nls::newString(env, utf8, message.length);

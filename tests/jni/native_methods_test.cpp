@@ -179,6 +179,7 @@ TEST_F(Messages, EachFailureOfALookUpHasItsText) {
         {{{"juZlmLookup", {-8}}}, "", "Requested message does not exist in zelmsgs file"},
         {{{"juZlmLookup", {-2}}}, "entry 5 is \xF0\x9F\x98\x80", "entry 5 is \xED\xA0\xBD\xED\xB8\x80"},
         {{{"juZlmLookup", {3}}}, "", "unknown zelmsgs error code"},
+        {{{"juZlmLookup", {-2}}}, std::string(600, 'x'), std::string(515, 'x')},  // fills its buffer without a NUL
         {{{"nlsSetString", {NLS_BAD_ARG}}}, "", noConversion},
         {{{"nlsGetIntConversionProperty", {kOwn, NLS_BAD_ARG}}}, "", noConversion},
         {{{"nlsInitString", {NLS_BAD_ARG}}}, "", noConversion},

@@ -1,5 +1,6 @@
 // The functions below the bridge as the script wants them: called for real first, then answered for. The linker puts
 // these in place of those (--wrap).
+#include <algorithm>
 #include <cstring>
 
 #include "jutil.h"
@@ -42,7 +43,8 @@ int32_t __real_juZlmLookup(void* context, int32_t number, char* text);
 int32_t __wrap_juZlmLookup(void* context, int32_t number, char* text) {
     EXPECT_STREQ(text, "");
     const int32_t own = __real_juZlmLookup(context, number, text);
-    if (!script.answers["juZlmLookup"].empty()) strcpy(text, script.utilityText.c_str());
+    if (!script.answers["juZlmLookup"].empty())
+        memcpy(text, script.utilityText.c_str(), std::min<std::size_t>(script.utilityText.size() + 1, JU_ZLM_TEXT));
     return script.answer("juZlmLookup", own);
 }
 
