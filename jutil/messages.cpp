@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <optional>
 
 #include "jutil.h"
 #include "message_file.hpp"
@@ -65,22 +64,21 @@ int32_t openInto(ZlmContext& context, uint32_t file, const char* path) {
     return header.version == jutil::kVersion ? JU_ZLM_OK : JU_ZLM_WRONG_VERSION;
 }
 
-// The entry of a number among those of the file. A file that can't be read any more has none.
-std::optional<MessageEntry> findEntry(const ZlmContext& context, int32_t number) {
+// Finds the entry of a number among those of the file: JU_ZLM_OK, JU_ZLM_NO_MESSAGE, JU_ZLM_READ.
+int32_t findEntry(const ZlmContext& context, int32_t number, MessageEntry& entry) {
     uint32_t low = 0;
     for (uint32_t high = context.count; low != high;) {
         const uint32_t middle = low + (high - low) / 2;
-        MessageEntry entry{};
         const uint64_t place = sizeof(MessageHeader) + uint64_t{middle} * sizeof entry;
-        if (!readAt(context.file, place, &entry, sizeof entry)) return std::nullopt;
-        if (entry.number == number) return entry;
+        if (!readAt(context.file, place, &entry, sizeof entry)) return JU_ZLM_READ;
+        if (entry.number == number) return JU_ZLM_OK;
         if (entry.number < number) {
             low = middle + 1;
         } else {
             high = middle;
         }
     }
-    return std::nullopt;
+    return JU_ZLM_NO_MESSAGE;
 }
 
 }  // namespace
@@ -116,15 +114,14 @@ int32_t juZlmOpen(void* context, const char* path) {
 int32_t juZlmLookup(void* context, int32_t number, char* text) {
     const auto* const own = static_cast<const ZlmContext*>(context);
     if (own == nullptr || own->tag != kOpen) return JU_ZLM_BAD_CONTEXT;
-    const std::optional<MessageEntry> entry = findEntry(*own, number);
-    if (!entry) return JU_ZLM_NO_MESSAGE;
-    if (entry->length > jutil::kLongestMessage) return JU_ZLM_BUFFER_SMALL;
-    if (uint64_t{entry->offset} + entry->length > own->fileSize ||
-        !readAt(own->file, entry->offset, text, entry->length)) {
+    MessageEntry entry{};
+    if (const int32_t code = findEntry(*own, number, entry); code != JU_ZLM_OK) return code;
+    if (entry.length > jutil::kLongestMessage) return JU_ZLM_BUFFER_SMALL;
+    if (uint64_t{entry.offset} + entry.length > own->fileSize || !readAt(own->file, entry.offset, text, entry.length)) {
         std::snprintf(text, JU_ZLM_TEXT, "message %d of the zelmsgs file can't be read", static_cast<int>(number));
         return JU_ZLM_READ;
     }
-    text[entry->length] = '\0';
+    text[entry.length] = '\0';
     return JU_ZLM_OK;
 }
 

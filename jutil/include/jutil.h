@@ -75,7 +75,7 @@ JUTIL_API int32_t juLogMakeFilename(const char* database, char* buffer, int32_t 
    functions below use until juLogClose. 0 on success; after a failure the context holds nothing to close. */
 JUTIL_API int32_t juLogOpen(void* context, const char* path, int32_t create);
 
-/* Writes one message. Either text may be null; `flag` is 1 or 0. 0 on success. */
+/* Writes one message. Either text may be null; `flag` is 1 or 0. 0 on success. A null context is a failure. */
 JUTIL_API int32_t juLogWrite(void* context, const char* text1, const char* text2, int32_t flag);
 
 /* Closes a log. Null does nothing. The context's memory stays the caller's. The result isn't looked at. */
