@@ -130,6 +130,17 @@ TEST_F(Messages, AWarningAboutTheNameOfAFileLeavesNothingToOpen) {
     EXPECT_TRUE(machine.holdsNothing());
 }
 
+TEST_F(Messages, OfAPath255BytesCount) {
+    const File file{"UTF-8", {"one"}};
+    const std::string longest = std::string(255 - file.path().size(), '/') + file.path();
+    for (const std::string& path : {longest, longest + "x", longest + std::string(5000, 'x')}) {
+        Machine machine;
+        const jlong context = openFile(machine, path);
+        EXPECT_NE(context, 0) << machine.thrown << path.size();
+        closeFile(machine, context);
+    }
+}
+
 // One failure after the other: in an open with a warning, and in a look-up, of one step and of two.
 TEST_F(Messages, WhateverFailsEverythingIsGivenBack) {
     const File file{"SHIFT-JIS", {"one", "two", "\x83\x65"}, 7};
