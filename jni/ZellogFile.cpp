@@ -52,7 +52,7 @@ Opened openLog(const char* database, bool create, char (&buffer)[kPathSize]) {
         if (context == nullptr) return {nullptr, false};
         if (juLogOpen(context, buffer, create ? 1 : 0) == 0) return {context, false};
     }
-    dbut_utfree(context);
+    if (context != nullptr) dbut_utfree(context);
     writeFailure(buffer, create, database);
     return {nullptr, true};
 }
