@@ -83,6 +83,16 @@ std::string Connection::registerCollation(const std::string& name, Named& named)
     return titleOf(named.form);
 }
 
+std::optional<KeptCollation> Connection::kept(const std::string& name) {
+    if (isReading_) throw Failure(Exit::badInput, "the table nls_collations wants the collation " + name + " itself");
+    const struct Reading {
+        explicit Reading(bool& flag) : flag_(flag) { flag_ = true; }
+        ~Reading() { flag_ = false; }
+        bool& flag_;
+    } reading{isReading_};
+    return findKept(db_, name);
+}
+
 const KeptCollation& Connection::formOf(Named& named) {
     if (named.form.record.empty()) named.form = keptForm(library_, *named.opened.order);
     return named.form;
@@ -102,7 +112,7 @@ std::string Connection::load(const std::string& name, const std::string& source,
         throw Failure(Exit::usage, "the collation " + name + " is " + old.form.source + ", " + old.form.mode +
                                        ", on this connection; take another name");
     }
-    const std::optional<KeptCollation> row = findKept(db_, name);
+    const std::optional<KeptCollation> row = kept(name);
     if (row && !(*row == formOf(loaded))) {
         throw Failure(Exit::loss, "the database keeps a collation " + name + " that is another (" + row->source + ", " +
                                       row->mode + ") or has other tables than " + library_.dataFile() +
@@ -118,7 +128,7 @@ std::string Connection::store(const std::string& name) {
                                        "', 'CHARSET/COLLATION') does that");
     }
     const KeptCollation& form = formOf(known->second);
-    const std::optional<KeptCollation> row = findKept(db_, name);
+    const std::optional<KeptCollation> row = kept(name);
     if (row && !(*row == form)) {
         throw Failure(Exit::usage, "the database keeps another collation " + name + "; take another name");
     }
@@ -137,7 +147,7 @@ Connection::Named& Connection::openKeptAs(const std::string& name, const KeptCol
 }
 
 std::string Connection::openStored(const std::string& name) {
-    const std::optional<KeptCollation> row = findKept(db_, name);
+    const std::optional<KeptCollation> row = kept(name);
     if (!row) {
         throw Failure(Exit::usage, "the database keeps no collation " + name +
                                        "; nls_collation_load makes one, and nls_collation_store keeps it");
@@ -163,7 +173,7 @@ Order& Connection::order(const std::string& name, const std::string& mode, Mode 
 
 Connection::Named& Connection::byName(const std::string& name) {
     if (const auto known = orders_.find(keyOfName(name)); known != orders_.end()) return known->second;
-    const std::optional<KeptCollation> row = findKept(db_, name);
+    const std::optional<KeptCollation> row = kept(name);
     if (row) return openKeptAs(name, *row);
     throw Failure(Exit::usage, "no collation " + name +
                                    " is loaded or kept in this database; name a CHARSET/COLLATION, " +

@@ -36,6 +36,8 @@ private:
         bool isCollation = false;
     };
 
+    // The row of a name. Throws where that wants another row: a database's own table may go by what it keeps.
+    std::optional<KeptCollation> kept(const std::string& name);
     // Complete.
     const KeptCollation& formOf(Named& named);
     Named& byName(const std::string& name);
@@ -44,6 +46,7 @@ private:
     std::string registerCollation(const std::string& name, Named& named);
 
     sqlite3* db_;
+    bool isReading_ = false;
     Library library_;
     std::map<std::string, Named> orders_;  // on the library, which is gone after them
 };

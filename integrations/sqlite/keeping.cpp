@@ -49,34 +49,39 @@ Bytes blobOf(sqlite3_stmt* statement, int column) {
     return bytes == nullptr ? Bytes{} : Bytes(bytes, bytes + size);
 }
 
+// A database that can't be read now may well keep a collation.
+[[noreturn]] void refuseUnread(sqlite3* db, const std::string& what) {
+    throw Failure(Exit::fileTrouble, what + " can't be read: " + sqlite3_errmsg(db));
+}
+
+// Whether there is another row.
+bool step(sqlite3* db, const Statement& statement, const std::string& what) {
+    const int status = statement ? sqlite3_step(statement.get()) : SQLITE_ERROR;
+    if (status != SQLITE_ROW && status != SQLITE_DONE) refuseUnread(db, what);
+    return status == SQLITE_ROW;
+}
+
 std::vector<std::string> databases(sqlite3* db) {
     std::vector<std::string> names;
     const Statement list = prepare(db, "PRAGMA database_list");
-    while (list && sqlite3_step(list.get()) == SQLITE_ROW) names.push_back(textOf(list.get(), 1));
+    while (step(db, list, "the list of databases")) names.push_back(textOf(list.get(), 1));
     return names;
 }
 
 bool hasTable(sqlite3* db, const std::string& schema) {
     const Statement found =
         prepare(db, "SELECT 1 FROM " + quoted(schema) + ".sqlite_master WHERE type='table' AND name='nls_collations'");
-    return found && sqlite3_step(found.get()) == SQLITE_ROW;
+    return step(db, found, "the database " + schema);
 }
 
 std::optional<KeptCollation> findIn(sqlite3* db, const std::string& schema, const std::string& name) {
     if (!hasTable(db, schema)) return std::nullopt;
     const Statement row = prepare(db, "SELECT source, mode, record, print FROM " + quoted(schema) +
                                           ".nls_collations WHERE name=?1 COLLATE NOCASE");
-    if (!row) {
-        throw Failure(Exit::fileTrouble,
-                      "the table " + schema + ".nls_collations can't be read: " + sqlite3_errmsg(db));
-    }
+    const std::string table = "the table " + schema + ".nls_collations";
+    if (!row) refuseUnread(db, table);
     sqlite3_bind_text(row.get(), 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC);
-    const int status = sqlite3_step(row.get());
-    if (status == SQLITE_DONE) return std::nullopt;
-    if (status != SQLITE_ROW) {
-        throw Failure(Exit::fileTrouble,
-                      "the table " + schema + ".nls_collations can't be read: " + sqlite3_errmsg(db));
-    }
+    if (!step(db, row, table)) return std::nullopt;
     return KeptCollation{textOf(row.get(), 0), textOf(row.get(), 1), blobOf(row.get(), 2), textOf(row.get(), 3)};
 }
 

@@ -185,6 +185,7 @@ std::string Library::dataFile() const {
 }
 
 void Library::useDataFile(const std::string& path) {
+    const std::lock_guard<std::mutex> guard(makers());
     if (session_) {
         throw Failure(Exit::usage, session_->dataFile() +
                                        " is in use by this connection already; name another data file before anything "

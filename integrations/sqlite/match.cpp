@@ -54,7 +54,7 @@ Pattern readPattern(ByteView text, ByteView escape) {
     return pattern;
 }
 
-// The characters of a form's first piece, in its charset.
+// The characters of a form's first piece, as the tables of its charset tell.
 std::vector<ByteView> charactersOf(const Order& order, const TextForm& form) {
     std::vector<ByteView> characters;
     ByteView left = form.piece(0);
@@ -67,8 +67,18 @@ std::vector<ByteView> charactersOf(const Order& order, const TextForm& form) {
     return characters;
 }
 
+// One for each literal: tables that a database brings may tell others.
+std::vector<ByteView> literalsOf(const Order& order, const Pattern& pattern, const TextForm& form) {
+    std::vector<ByteView> characters = charactersOf(order, form);
+    const auto literals = std::count(pattern.signs.begin(), pattern.signs.end(), Pattern::Sign::literal);
+    if (characters.size() != static_cast<std::size_t>(literals)) {
+        throw std::runtime_error(order.name() + " forms characters otherwise than its charset");
+    }
+    return characters;
+}
+
 bool likeByLibrary(Order& order, const Pattern& pattern, const TextForm& literals, const TextForm& text) {
-    const std::vector<ByteView> characters = charactersOf(order, literals);
+    const std::vector<ByteView> characters = literalsOf(order, pattern, literals);
     Bytes signs;
     std::size_t next = 0;
     for (const Pattern::Sign sign : pattern.signs) {
@@ -94,7 +104,7 @@ public:
         : order_(order),
           literals_(literals),
           text_(text),
-          patternOf_(charactersOf(order, literals)),
+          patternOf_(literalsOf(order, pattern, literals)),
           textOf_(charactersOf(order, text)) {
         std::size_t literal = 0;
         for (const Pattern::Sign sign : pattern.signs) {

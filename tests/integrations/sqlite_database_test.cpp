@@ -126,6 +126,55 @@ TEST(SqliteDatabase, GoesByItsOwnWeights) {
               std::string::npos);
 }
 
+// What a database keeps isn't known while it can't be read.
+TEST(SqliteDatabase, LoadsNothingWhileItIsLocked) {
+    const Folder folder;
+    Connection first(folder.path("a.db")), second(folder.path("a.db"));
+    EXPECT_EQ(first.ask("SELECT nls_collation_load('de', 'ISO8859-1/german', 'fold', 'keep')"),
+              "ISO8859-1/german fold");
+    EXPECT_EQ(first.ask("BEGIN EXCLUSIVE"), "");
+    EXPECT_EQ(second.ask("SELECT nls_collation_load('de', 'ISO8859-1/swedish')"),
+              "error: nls_collation_load: the database main can't be read: database is locked");
+    EXPECT_EQ(first.ask("COMMIT"), "");
+    EXPECT_EQ(second.ask("SELECT 'a' = 'A' COLLATE de"), "1");
+}
+
+// A database that comes from anywhere.
+TEST(SqliteDatabase, BearsTablesThatAreMadeToHurt) {
+    const std::string tables[] = {
+        "CREATE TABLE nls_collations(name TEXT COLLATE de PRIMARY KEY, source, mode, record, print) WITHOUT ROWID",
+        "CREATE TABLE nls_collations(name TEXT, source AS (nls_key(name, 'de')), mode, record, print)"};
+    for (const std::string& table : tables) {
+        const Folder folder;
+        {
+            Connection connection(folder.path("a.db"));
+            EXPECT_EQ(connection.ask("SELECT nls_collation_load('de', '1252/german')"), "1252/german exact");
+            EXPECT_EQ(connection.ask(table), "");
+            EXPECT_EQ(connection.ask("INSERT INTO nls_collations(name) VALUES('de')"), "");
+        }
+        Connection connection(folder.path("a.db"));
+        EXPECT_EQ(connection.ask("SELECT 'a' < 'b' COLLATE de"), "error: no such collation sequence: de");
+        EXPECT_EQ(connection.ask("SELECT nls_collation_load('de', '1252/german')").substr(0, 6), "error:") << table;
+    }
+    // A record that brings its charset, in which each byte begins a character of eight.
+    const Folder folder;
+    {
+        Connection connection(folder.path("a.db"));
+        EXPECT_EQ(connection.ask("SELECT nls_collation_load('de', 'UTF-8/basic', 'fold', 'keep')"), "UTF-8/basic fold");
+        EXPECT_EQ(connection.ask("UPDATE nls_collations SET record = substr(record, 1, 88) || x'06' || "
+                                 "substr(record, 90, 887) || replace(hex(zeroblob(256)), '00', char(7)) || "
+                                 "substr(record, 1233)"),
+                  "");
+    }
+    Connection connection(folder.path("a.db"));
+    EXPECT_EQ(connection.ask("SELECT nls_collation_open('de')"), "UTF-8/basic fold");
+    for (const char* const text : {"'abcdefghij'", "'abcdefghij' || x'FF'"}) {
+        EXPECT_NE(connection.ask(std::string("SELECT nls_like('abc%', ") + text + ", NULL, 'de')")
+                      .find("forms characters otherwise"),
+                  std::string::npos);
+    }
+}
+
 // Each thread with a connection of its own; only what makes objects meets.
 TEST(SqliteDatabase, ServesManyThreads) {
 #if NLS_HAS_PACKS
