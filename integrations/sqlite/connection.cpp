@@ -42,8 +42,27 @@ struct Use {
     Order* order;
 };
 
-// There is no way to tell a failure. The statement is interrupted, so that nothing is stored in an order that isn't
-// one.
+void goOn(void* db) noexcept {
+    sqlite3_commit_hook(static_cast<sqlite3*>(db), nullptr, nullptr);
+    sqlite3_rollback_hook(static_cast<sqlite3*>(db), nullptr, nullptr);
+}
+
+int refuseCommit(void* db) noexcept {
+    goOn(db);
+    return 1;
+}
+
+// A comparison can't tell SQLite that it failed. So the statement is interrupted. One that writes may come to its end
+// all the same, since SQLite looks at interrupts in loops alone: what it wrote can't be committed. Hooks of the
+// application's own are lost by that.
+void stop(sqlite3* db) noexcept {
+    constexpr int knowsTransactions = 3034000;
+    sqlite3_interrupt(db);
+    if (sqlite3_libversion_number() >= knowsTransactions && sqlite3_txn_state(db, nullptr) != SQLITE_TXN_WRITE) return;
+    sqlite3_commit_hook(db, &refuseCommit, db);
+    sqlite3_rollback_hook(db, &goOn, db);
+}
+
 int compare(void* context, int sizeA, const void* a, int sizeB, const void* b) noexcept {
     const auto& use = *static_cast<const Use*>(context);
     const auto view = [](const void* bytes, int size) {
@@ -53,7 +72,7 @@ int compare(void* context, int sizeA, const void* a, int sizeB, const void* b) n
         return use.order->compare(view(a, sizeA), view(b, sizeB));
     } catch (const std::exception& failure) {
         sqlite3_log(SQLITE_ERROR, "nls: %s; the statement is interrupted", failure.what());
-        sqlite3_interrupt(use.db);
+        stop(use.db);
     }
     const int least = std::min(sizeA, sizeB);
     const int sign = least == 0 ? 0 : std::memcmp(a, b, static_cast<std::size_t>(least));

@@ -1,15 +1,22 @@
 #include "integrations/sqlite/text_form.hpp"
 
 #include <algorithm>
-#include <limits>
-#include <stdexcept>
 
 namespace nls::sqlite {
 namespace {
 
 constexpr std::size_t largestCharacter = 8;  // bytes, in any charset
 constexpr std::size_t largestGrowth = 4;     // bytes of the charset for a byte of UTF-8; none needs more than 2
+constexpr std::size_t longestRun = std::size_t{1} << 20;
 constexpr unsigned char replacement[] = {0xEF, 0xBF, 0xBD};
+
+// The beginning of a text, whole characters. REQUIRES: well-formed UTF-8.
+ByteView firstRun(ByteView text) {
+    if (text.size() <= longestRun) return text;
+    std::size_t size = longestRun;
+    while ((text[size] & 0xC0U) == 0x80) --size;
+    return text.first(size);
+}
 
 }  // namespace
 
@@ -55,23 +62,26 @@ bool TextFormer::convertOne(const Character& character, Bytes& into) const {
     return status == NLS_OK && length != 0 && std::find(target, target + length, 0) == target + length;
 }
 
+// In runs, since the library counts in 32 bits.
 bool TextFormer::convertWhole(ByteView piece, TextForm& into) const {
     if (!tool::validUtf8(piece)) return false;
-    const std::size_t begin = into.bytes.size();
-    if (table_ == nullptr || piece.empty()) {
+    if (table_ == nullptr) {
         into.bytes.insert(into.bytes.end(), piece.begin(), piece.end());
         return true;
     }
-    if (piece.size() > std::numeric_limits<int32_t>::max() / largestGrowth - largestCharacter) {
-        throw std::length_error("text of 512 MiB or more");
+    while (!piece.empty()) {
+        const ByteView run = firstRun(piece);
+        const std::size_t begin = into.bytes.size(), room = run.size() * largestGrowth + largestCharacter;
+        into.bytes.resize(begin + room);
+        uint32_t length = 0;
+        const nlsStatus status = nlsConvertBytes(into.bytes.data() + begin, static_cast<int32_t>(room), run.data(),
+                                                 static_cast<int32_t>(run.size()), table_, &length);
+        const bool isWhole = status == NLS_OK && !holdsNul(ByteView{into.bytes}.subspan(begin, length));
+        into.bytes.resize(begin + (isWhole ? length : 0));
+        if (!isWhole) return false;
+        piece = piece.subspan(run.size());
     }
-    into.bytes.resize(begin + piece.size() * largestGrowth + largestCharacter);
-    uint32_t length = 0;
-    const nlsStatus status = nlsConvertBytes(into.bytes.data() + begin, static_cast<int32_t>(into.bytes.size() - begin),
-                                             piece.data(), static_cast<int32_t>(piece.size()), table_, &length);
-    const bool isWhole = status == NLS_OK && !holdsNul(ByteView{into.bytes}.subspan(begin, length));
-    into.bytes.resize(begin + (isWhole ? length : 0));
-    return isWhole;
+    return true;
 }
 
 void TextFormer::convertEach(ByteView piece, std::size_t firstNumber, TextForm& into) const {

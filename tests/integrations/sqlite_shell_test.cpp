@@ -46,5 +46,22 @@ TEST(SqliteShell, TellsThatIcuIsAnother) {
         << other.err;
 }
 
+// A comparison can't tell that it failed: the text goes to no place then, and what else was written isn't kept.
+TEST(SqliteShell, CommitsNothingAfterAComparisonThatFailed) {
+    const Folder folder;
+    const std::string longText = "('\u00E4' || printf('%0999d', 0))", count = "SELECT count(*) FROM t;\n";
+    const Answer answer =
+        shell(folder.path("a.db"),
+              ".mode list\nSELECT nls_collation_load('de', 'UTF-8/ICU-de', 'exact', 'keep');\n"
+              "CREATE TABLE t(id INTEGER PRIMARY KEY, x COLLATE de); CREATE INDEX i ON t(x);\n"
+              "INSERT INTO t(x) VALUES('a');\n"
+              "INSERT INTO t(x) VALUES" +
+                  longText + ";\n" + count + "BEGIN; INSERT INTO t(x) VALUES('b'); INSERT INTO t(x) VALUES" + longText +
+                  ";\n" + "COMMIT;\n" + count + "BEGIN; INSERT INTO t(x) VALUES" + longText + ";\nROLLBACK;\n" +
+                  "INSERT INTO t(x) VALUES('b');\n" + count + "PRAGMA integrity_check;\n",
+              {"LD_PRELOAD=" NLS_OTHER_ICU, "NLS_OTHER_LONGEST=500"});
+    EXPECT_EQ(answer.out, "\nUTF-8/ICU-de exact\n1\n1\n2\nok\n") << answer.err;
+}
+
 }  // namespace
 }  // namespace nls::test
