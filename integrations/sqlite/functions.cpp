@@ -1,6 +1,7 @@
 #include "integrations/sqlite/functions.hpp"
 
 #include <new>
+#include <stdexcept>
 
 namespace nls::sqlite {
 namespace {
@@ -51,6 +52,7 @@ ByteView Call::bytes(int number) const {
 std::string Call::text(int number) const {
     if (isNull(number)) return {};
     const ByteView view = bytes(number);
+    if (holdsNul(view)) throw std::invalid_argument("argument " + std::to_string(number + 1) + " has a NUL in it");
     return {view.begin(), view.end()};
 }
 

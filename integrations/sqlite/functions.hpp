@@ -18,7 +18,7 @@ struct Call {
     bool isNull(int number) const { return number >= count || sqlite3_value_type(arguments[number]) == SQLITE_NULL; }
     // The bytes of a blob, and of anything else as text; good until the argument is asked again.
     ByteView bytes(int number) const;
-    // Empty for an argument that isn't there, or is null.
+    // A name or a sign; empty for an argument that isn't there, or is null. Throws where a NUL would hide a part of it.
     std::string text(int number) const;
     void answer(ByteView text) const;
     void answerBlob(ByteView bytes) const;

@@ -54,6 +54,7 @@ constexpr Row rows[] = {
     {"nls_key('a', 'UTF-16/basic')", "error: nls_key: UTF-16 has NULs in its texts and can't be compared; take UTF-8"},
     {"nls_key('a', '1252/klingon')", "error: nls_key: 1252 has no collation \"klingon\""},
     {"nls_key('a', '1252/german', 'loose')", "error: nls_key: unknown mode"},
+    {"nls_key('a', '1252/german' || char(0) || 'x')", "error: nls_key: argument 2 has a NUL in it"},
     // Collations.
     {"nls_collation_load('NoCase', '1252/german')", "error: nls_collation_load: NoCase is SQLite's own"},
     {"nls_collation_load('a/b', '1252/german')", "error: nls_collation_load: a collation's name"},
