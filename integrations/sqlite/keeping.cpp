@@ -69,8 +69,9 @@ std::vector<std::string> databases(sqlite3* db) {
 }
 
 bool hasTable(sqlite3* db, const std::string& schema) {
-    const Statement found =
-        prepare(db, "SELECT 1 FROM " + quoted(schema) + ".sqlite_master WHERE type='table' AND name='nls_collations'");
+    const Statement found = prepare(db, "SELECT 1 FROM " + quoted(schema) +
+                                            ".sqlite_master WHERE type='table' "
+                                            "AND name='nls_collations' COLLATE NOCASE");
     return step(db, found, "the database " + schema);
 }
 
