@@ -3,6 +3,7 @@
 
 #include <immintrin.h>
 
+#include "collation/pair_off.hpp"
 #include "collation/weights.hpp"
 #include "core/base/cpu.hpp"
 
@@ -31,23 +32,6 @@ NLS_TARGET_AVX512 inline __m512i weigh(const WeightRows& rows, __m512i bytes) {
 // The first `count` of 64 lanes.
 NLS_TARGET_AVX512 inline __mmask64 firstLanes(std::size_t count) {
     return _bzhi_u64(~std::uint64_t{0}, static_cast<unsigned>(count));
-}
-
-struct Seconds {
-    __mmask64 lanes;  // second bytes
-    bool next;        // the last lane is a first byte
-};
-
-// Which bytes are second ones. In a run of bytes that could all be first ones they pair off from the left: the carry of
-// an addition at the start of each run that begins in an even lane tells those runs from the others. `leads` are the
-// bytes that could be first ones; where `second` holds, the first lane is a second byte.
-NLS_TARGET_AVX512 inline Seconds pairOff(__mmask64 leads, bool second, std::size_t count) {
-    constexpr std::uint64_t kEven = 0x5555555555555555;
-    leads &= ~std::uint64_t{second};
-    const std::uint64_t starts = leads & ~(leads << 1);
-    const std::uint64_t fromEven = leads & ~(leads + (starts & kEven));
-    const std::uint64_t first = (fromEven & kEven) | (leads & ~fromEven & ~kEven);
-    return {first << 1 | std::uint64_t{second}, (first >> (count - 1) & 1) != 0};
 }
 
 }  // namespace nls

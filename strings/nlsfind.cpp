@@ -61,6 +61,12 @@ nlsStatus nlsSearchForw(const nlsLocale* locale, nlsTlsBlock* tls, const unsigne
         return nls::searchShortByForms(locale, tls, pattern, text, compareMode, pos, end, found);
     if (wide && way == nls::ShortWay::weights)
         return nls::searchShortByWeights(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (way == nls::ShortWay::bytes)
+        return nls::searchShortByBytesPlain(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (way == nls::ShortWay::lowerForms)
+        return nls::searchShortByFormsPlain(locale, tls, pattern, text, compareMode, pos, end, found);
+    if (way == nls::ShortWay::weights)
+        return nls::searchShortByWeightsPlain(locale, tls, pattern, text, compareMode, pos, end, found);
     return searchInFull(locale, tls, pattern, text, compareMode, pos, end, found);
 }
 

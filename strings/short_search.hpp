@@ -13,7 +13,7 @@
 namespace nls {
 
 // By what a short text may be searched: in charsets of single bytes by their entries, elsewhere as
-// strings/short_chars_avx512.cpp does it.
+// strings/short_chars.cpp and strings/short_chars_avx512.cpp do it.
 enum class ShortWay { none, entries, bytes, lowerForms, weights };
 
 // In line with the call: a few questions.
@@ -50,5 +50,16 @@ nlsStatus searchShortByForms(const nlsLocale* locale, nlsTlsBlock* tls, const un
 nlsStatus searchShortByWeights(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                                const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
                                const unsigned char** found);
+
+// The same on any processor.
+nlsStatus searchShortByBytesPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                  const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                                  const unsigned char** found);
+nlsStatus searchShortByFormsPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                  const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                                  const unsigned char** found);
+nlsStatus searchShortByWeightsPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
+                                    const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
+                                    const unsigned char** found);
 
 }  // namespace nls

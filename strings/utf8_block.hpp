@@ -7,6 +7,7 @@
 
 #include <emmintrin.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -14,6 +15,22 @@
 namespace nls {
 
 constexpr unsigned blockSize = 64;
+
+// By first byte: the trail count. C0, C1 and F5 to FF count differently from charset to charset: blocks leave them out.
+constexpr bool isRegularUtf8(unsigned byte) {
+    return byte != 0xC0 && byte != 0xC1 && byte < 0xF5;
+}
+alignas(64) inline constexpr std::array<unsigned char, 256> kUsualTrails = [] {
+    std::array<unsigned char, 256> trails{};
+    for (unsigned byte = 0xC2; byte < 0xF5; ++byte)
+        trails[byte] = static_cast<unsigned char>(byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3);
+    return trails;
+}();
+alignas(64) inline constexpr std::array<unsigned char, 256> kCountedTrails = [] {
+    std::array<unsigned char, 256> bits{};
+    for (unsigned byte = 0; byte < 256; ++byte) bits[byte] = isRegularUtf8(byte) ? 0x07 : 0;
+    return bits;
+}();
 
 inline unsigned bitCount(uint64_t bits) {
     bits -= bits >> 1 & 0x5555555555555555U;
@@ -52,6 +69,7 @@ private:
     template <typename Test>
     uint64_t join(Test test) const {
         uint64_t bits = 0;
+#pragma GCC unroll 4
         for (int i = 3; i >= 0; --i) bits = bits << 16 | static_cast<unsigned>(_mm_movemask_epi8(test(part_[i])));
         return bits;
     }

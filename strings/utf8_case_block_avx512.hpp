@@ -14,27 +14,12 @@
 #include "collation/ascii_case.hpp"
 #include "convmap/case_pages.hpp"
 #include "core/base/cpu.hpp"
+#include "strings/utf8_block.hpp"
 
 namespace nls {
 
 inline constexpr unsigned kRowEntries = kCasePageEntries / 2;
 inline constexpr unsigned kCaseBlock = 64;
-
-// By first byte: the trail count. C0, C1 and F5 to FF count differently from charset to charset: blocks leave them out.
-constexpr bool isRegularUtf8(unsigned byte) {
-    return byte != 0xC0 && byte != 0xC1 && byte < 0xF5;
-}
-alignas(64) inline constexpr std::array<unsigned char, 256> kUsualTrails = [] {
-    std::array<unsigned char, 256> trails{};
-    for (unsigned byte = 0xC2; byte < 0xF5; ++byte)
-        trails[byte] = static_cast<unsigned char>(byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3);
-    return trails;
-}();
-alignas(64) inline constexpr std::array<unsigned char, 256> kCountedTrails = [] {
-    std::array<unsigned char, 256> bits{};
-    for (unsigned byte = 0; byte < 256; ++byte) bits[byte] = isRegularUtf8(byte) ? 0x07 : 0;
-    return bits;
-}();
 
 // As hasUsualUtf8CaseAvx512, in line.
 NLS_TARGET_AVX512 inline bool hasUsualUtf8Case(const nlsAttribStruct& attrib, const nlsUnicodeCaseStruct& table,

@@ -142,8 +142,11 @@ TEST_F(Search, RarePairs) {
         std::array<const char*, 5> ends;  // each a pattern and a text, behind the same head
     } rows[] = {
         {"shift-jis, s as a blank", "aaa", {"s", "\x81\x40", "\x81s", " ", "\x81\x20"}},
+        {"shift-jis, s as a blank", "", {"sr", "\x81\x20r", " r", "s", "\x81r"}},
         {"shift-jis, crowded", "aaa", {"b", "\x81\x62", "\x82\x81", "\x91\x62", "\xE0\x62"}},
+        {"utf-8", "x", {"\xEF\xBC\xA1", "\xEF\xBD\x81", "\xE2\x92\xB6", "\xE2\x93\x90", "\xE1\xB8\x80"}},
         {"utf-8, odd ASCII", "", {"b\xC3\x89", "a\xC3\x89", "a\xC3\xA9", "b", "a"}},
+        {"utf-8, many alike", "", {"\xE2\x84\x9A", "o", "ox", "\xE2ox", "\xE2\x84\x9Ao"}},
         {"utf-8, many alike", "x", {"\xC3\xB8", "o", "\xC3\x89\xC3\x8A", "\xE3\x81\x82o", "\xC3\x89\x82o"}},
     };
     const std::vector<SearchLocale> all = searchLocales();

@@ -29,6 +29,7 @@ inline std::vector<SearchLocale> searchLocales() {
     accents.set(0xC3B8, CaseForm::lower, 'o');
     accents.set(0xC389, CaseForm::lower, 0xE381);
     accents.set(0xC38A, CaseForm::lower, 0x826F);
+    accents.set(0xE2849A, CaseForm::lower, 0xE26F78);
     wild.fillWild(1, true);
     oddAscii.fillFromLibrary();
     oddAscii.set('b', CaseForm::lower, 'a');
@@ -56,6 +57,9 @@ inline std::vector<SearchLocale> searchLocales() {
     heavyBlank.exactMap[0x20] = heavyBlank.foldMap[0x20] = 0;
     lightS.exactMap[0x73] = lightS.foldMap[0x73] = 0x20;
     lightS.exactMap[0x81] = lightS.foldMap[0x81] = 0x20;
+    nlsAttribStruct longA = utf8Charset(), longC3 = utf8Charset();
+    longA.lengthMap[unsigned{'a'}] = 1;
+    longC3.lengthMap[0xC3] = 2;
     nlsAttribStruct oddBridged = oddCharset();
     oddBridged.flags |= NLS_CHARSET_VIA_SJIS;
 
@@ -81,6 +85,8 @@ inline std::vector<SearchLocale> searchLocales() {
     add("utf-8", utf8Charset(), ofKind(3), "aA\xC3\x89\xA9").caseTable = library.get();
     add("utf-8, many alike", utf8Charset(), ofKind(3), "bx\xC3\xA4\xA5").caseTable = accents.get();
     add("utf-8, odd ASCII", utf8Charset(), ofKind(3), "ab\xC3\x89").caseTable = oddAscii.get();
+    add("utf-8, an odd length of ASCII", longA, ofKind(3), "ab\xC3\x89").caseTable = library.get();
+    add("utf-8, an odd first byte", longC3, ofKind(3), "ab\xC3\x89").caseTable = library.get();
     add("utf-8, wild", utf8Charset(), ofKind(3), "a\xC3\x89\xE1 ").caseTable = wild.get();
     add("utf-8 without a case table", utf8Charset(), ofKind(3), "a\xC3\x89 ");
     add("utf-8 by bytes", utf8Charset(), plainCollation(), "aA\xC3\x89 ");
