@@ -12,6 +12,7 @@
 #include "core/base/charset.hpp"
 #include "core/base/checks.hpp"
 #include "core/base/cpu.hpp"
+#include "icu/icu_compare.hpp"
 #include "nls/compare.h"
 
 namespace {
@@ -99,6 +100,15 @@ NLS_ARGUMENTS_STAY nlsStatus compareByValue(const nlsLocale* locale, nlsTlsBlock
     return NLS_OK;
 }
 
+// Through ICU. REQUIRES: what nlsCompareN has found out.
+NLS_ARGUMENTS_STAY nlsStatus compareThroughIcu(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* s1,
+                                               const unsigned char* s2, int32_t len1, int32_t len2,
+                                               uint16_t compareMode, uint16_t* result) {
+    const unsigned char* const map = compareMode == 0 ? locale->coll->foldMap : locale->coll->exactMap;
+    const nls::IcuCompared done = nls::compareByIcu(s1, s2, tls, map, compareMode, len1, len2);
+    return handOut({done.status, done.sign}, result);
+}
+
 }  // namespace
 
 // ---- Comparison ----
@@ -121,6 +131,8 @@ nlsStatus nlsCompareN(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned 
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
     if (nls::kindOf(*locale->coll) == nls::CollKind::unicode)
         return compareByValue(locale, tls, s1, s2, len1, len2, compareMode, result);
+    if (nls::kindOf(*locale->coll) == nls::CollKind::icu)
+        return compareThroughIcu(locale, tls, s1, s2, len1, len2, compareMode, result);
     if (nls::kindOf(*locale->coll) != nls::CollKind::byteTables)
         return compareInFull(locale, tls, s1, s2, len1, len2, compareMode, result);
     if (const nls::Charset charset{*locale->attrib}; !charset.isSingleByte()) {

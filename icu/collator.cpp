@@ -36,22 +36,6 @@ void copyText(char (&to)[Size], const char* from) {
     std::memcpy(to, from, std::min(std::strlen(from), Size - 1));
 }
 
-// In the order of ICU's numbers.
-constexpr char kStrengths[] = "PRIMARY,SECONDARY,TERTIARY,QUATERNARY,IGNORE-SECONDARY";
-constexpr int32_t kLastStrength = 4;
-constexpr unsigned kFirstExplicitMode = 4;  // of the first strength
-
-// The words that nearly every map has, found without a search of the list.
-int32_t strengthOfWord(const char* word) {
-    constexpr char kTertiary[] = "TERTIARY", kSecondary[] = "SECONDARY";
-    if (std::memcmp(word, kTertiary, sizeof kTertiary) == 0) return 2;
-    if (std::memcmp(word, kSecondary, sizeof kSecondary) == 0) return 1;
-    constexpr std::size_t kLongest = 32;  // with its NUL, as far as a word counts
-    char counted[kLongest] = {};
-    std::memcpy(counted, word, kLongest - 1);
-    return static_cast<int32_t>(placeInList(counted, kStrengths)) - 1;
-}
-
 }  // namespace
 
 OpenedCollator openCollator(nlsIcuVersion& row, const char* locale) {
@@ -89,19 +73,14 @@ nlsStatus makeIcuCollation(const char* name, nlsCollStruct& coll) {
     return NLS_OK;
 }
 
-ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls) {
-    auto* const shared = static_cast<IcuCollator*>(info.sharedCollator);
-    if (tls == nullptr) return {NLS_OK, shared, info.version};
-    if (tls->collator != 0) {
-        const nlsIcuInfo& opener = tls->icuColl != nullptr ? *tls->icuColl : info;
-        return {NLS_OK, reinterpret_cast<IcuCollator*>(tls->collator), opener.version};
-    }
+ChosenCollator openForThread(nlsIcuInfo& info, nlsTlsBlock& tls) {
     char locale[kIcuLocaleRoom];
     const OpenedCollator opened = openNamed(*info.version, info.icuLocale, locale);
-    tls->icuColl = &info;
-    tls->icuStatus = opened.status;
-    if (opened.status != kIcuOk) return {NLS_NO_COLL_TABLE, shared, info.version};
-    tls->collator = reinterpret_cast<uint64_t>(opened.collator);
+    tls.icuColl = &info;
+    tls.icuStatus = opened.status;
+    if (opened.status != kIcuOk)
+        return {NLS_NO_COLL_TABLE, static_cast<IcuCollator*>(info.sharedCollator), info.version};
+    tls.collator = reinterpret_cast<uint64_t>(opened.collator);
     return {NLS_OK, opened.collator, info.version};
 }
 
@@ -111,10 +90,12 @@ void closeCollator(nlsTlsBlock& tls) {
     tls.collator = 0;
 }
 
-int32_t strengthOf(const unsigned char* map, unsigned mode) {
-    if (mode >= kFirstExplicitMode && mode <= kFirstExplicitMode + kLastStrength)
-        return static_cast<int32_t>(mode - kFirstExplicitMode);
-    return mode > 1 ? -1 : strengthOfWord(IcuImage::strengthWordOf(map));
+int32_t strengthOfWord(const char* word) {
+    constexpr char kInOrderOfIcusNumbers[] = "PRIMARY,SECONDARY,TERTIARY,QUATERNARY,IGNORE-SECONDARY";
+    constexpr std::size_t kLongest = 32;  // with its NUL, as far as a word counts
+    char counted[kLongest] = {};
+    std::memcpy(counted, word, kLongest - 1);
+    return static_cast<int32_t>(placeInList(counted, kInOrderOfIcusNumbers)) - 1;
 }
 
 }  // namespace nls

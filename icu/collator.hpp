@@ -2,7 +2,10 @@
 // asks for. Tested by tests/icu/collator_test.cpp.
 #pragma once
 
+#include <cstring>
+
 #include "icu/builds.hpp"
+#include "icu/image.hpp"
 #include "icu/loader.hpp"
 #include "nls/base.h"
 #include "nls/records.h"
@@ -30,13 +33,30 @@ struct ChosenCollator {
     IcuCollator* collator;
     const nlsIcuVersion* row;  // the build that opened it, and alone may be handed it
 };
-ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls);
+ChosenCollator openForThread(nlsIcuInfo& info, nlsTlsBlock& tls);
+inline ChosenCollator collatorOf(nlsIcuInfo& info, nlsTlsBlock* tls) {
+    if (tls == nullptr) return {NLS_OK, static_cast<IcuCollator*>(info.sharedCollator), info.version};
+    if (tls->collator == 0) [[unlikely]]
+        return openForThread(info, *tls);
+    const nlsIcuInfo& opener = tls->icuColl != nullptr ? *tls->icuColl : info;
+    return {NLS_OK, reinterpret_cast<IcuCollator*>(tls->collator), opener.version};
+}
 
 void closeCollator(nlsTlsBlock& tls);
 
 // ICU's number of a strength, for a compare mode under a map; below 0 where there is none. Modes 0 and 1 go by the word
 // in the map, 4 to 8 tell the strength themselves.
-int32_t strengthOf(const unsigned char* map, unsigned mode);
+int32_t strengthOfWord(const char* word);
+inline int32_t strengthOf(const unsigned char* map, unsigned mode) {
+    constexpr unsigned kFirstExplicitMode = 4, kLastExplicitMode = 8;     // of the first strength, and the last
+    constexpr char kTertiary[] = "TERTIARY", kSecondary[] = "SECONDARY";  // what nearly every map has
+    if (mode >= kFirstExplicitMode && mode <= kLastExplicitMode) return static_cast<int32_t>(mode - kFirstExplicitMode);
+    if (mode > 1) return -1;
+    const char* const word = IcuImage::strengthWordOf(map);
+    if (std::memcmp(word, kTertiary, sizeof kTertiary) == 0) return 2;
+    if (std::memcmp(word, kSecondary, sizeof kSecondary) == 0) return 1;
+    return strengthOfWord(word);
+}
 inline constexpr int32_t kPrimaryStrength = 0;
 
 // What stands between the library and ICU: of a build that isn't loaded for collation they do nothing, and answer that

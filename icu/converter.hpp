@@ -2,6 +2,7 @@
 #pragma once
 
 #include "icu/control.hpp"
+#include "icu/loader.hpp"
 #include "nls/base.h"
 #include "nls/status.h"
 
@@ -12,7 +13,16 @@ struct OpenedConverter {
     IcuConverter* converter;
 };
 // Under a name that ICU resolves. Brings in the base build when it is the first.
-OpenedConverter openConverter(const char* name);
+inline OpenedConverter openConverter(const char* name) {
+    __atomic_store_n(&gicuctl.convVersion, &baseBuild(), __ATOMIC_RELAXED);
+    if (loadLevel(baseBuild()) <= kNotLoaded) [[unlikely]] {
+        if (const nlsStatus bad = UL_init_icu(kConverts, baseBuild())) return {bad, nullptr};
+    }
+    IcuStatus status = kIcuOk;
+    IcuConverter* const converter = convFuncs().ucnv_open(name, &status);
+    if (status > kIcuOk) return {status, nullptr};
+    return {kIcuOk, converter};
+}
 
 // The converter of UTF-8, for a scope.
 class Utf8Converter {

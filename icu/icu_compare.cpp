@@ -59,7 +59,8 @@ private:
     int32_t count_ = 0;
 };
 
-IcuCompared compareConverted(const ChosenCollator& by, IcuConverter* utf8, ByteView a, ByteView b) {
+[[gnu::always_inline]] inline IcuCompared compareConverted(const ChosenCollator& by, IcuConverter* utf8, ByteView a,
+                                                           ByteView b) {
     Units first{a};
     if (!first.hasRoom()) return failure(NLS_BUF_SMALL);
     if (!first.convert(utf8)) return kUnanswered;
