@@ -220,7 +220,7 @@ TEST(NlsDb, HostileRecordsNeverCrash) {
         ASSERT_EQ(written.exit, 0) << written.err;
         const StoredCollation sound = stored(folder.get("record"));
         Words files;
-        for (int round = 0; round < 150; ++round) {
+        for (int round = 0; round < 60; ++round) {
             StoredCollation collation = sound;
             if (round % 2 == 0) collation.record.dbCollKind = 6 + round % 4;
             std::string bytes = fileForm(collation);
@@ -239,7 +239,7 @@ TEST(NlsDb, HostileRecordsNeverCrash) {
                 EXPECT_NE(answer.out + answer.err, "");
             }
         }
-        for (const std::string& file : Words(files.begin(), files.begin() + 40)) {
+        for (const std::string& file : Words(files.begin(), files.begin() + 16)) {
             const Answer answer = nlsOf("words --record " + file, {}, "One two \xE3\x81\x82\xA4\xA2 3\n");
             EXPECT_LE(answer.exit, 4) << file << answer.err;
             EXPECT_NE(answer.exit, 2) << file << answer.err;
