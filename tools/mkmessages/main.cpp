@@ -1,6 +1,7 @@
 // mkmessages: compiles a message file (docs/message-file.md) from text.
 //
-// The text is converted into the file's charset; a character that the charset lacks is refused.
+// The text is converted into the file's charset; a character that the charset lacks is refused. A text that the bridge to
+// Java won't read, because it might not fit there in UTF-8, is told.
 // Exit codes: 0 done, 1 a text that is refused, 2 usage, 4 file trouble.
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -21,7 +22,14 @@ enum ExitCode { kDone = 0, kRefused = 1, kUsage = 2, kFileTrouble = 4 };
 class Converter {
 public:
     Converter(nls::Runtime& runtime, const std::string& charset)
-        : utf8_(runtime.locale("UTF-8")), conversion_(runtime.conversion("UTF-8", charset)) {}
+        : utf8_(runtime.locale("UTF-8")), conversion_(runtime.conversion("UTF-8", charset)) {
+        const nls::Conversion back = runtime.conversion(charset, "UTF-8");
+        uint32_t growth = 0;
+        if (nlsGetIntConversionProperty(back.get(), NLS_PROP_GROWTH, &growth) == NLS_OK && growth != 0)
+            longestForJava_ = kJavaRoom / growth;
+    }
+
+    std::size_t longestForJava() const { return longestForJava_; }
 
     std::string operator()(const Message& message) const {
         std::string bytes;
@@ -34,6 +42,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t kJavaRoom = 736;  // bytes of UTF-8
+
     std::string converted(const std::string& text, std::size_t line) const {
         if (!isUtf8(text)) throw Refused(line, "isn't UTF-8");
         const nls::ConvertedText converted = conversion_(text);
@@ -48,6 +58,7 @@ private:
 
     nls::Locale utf8_;
     nls::Conversion conversion_;
+    std::size_t longestForJava_ = jutil::kLongestMessage;
 };
 
 template <typename Record>
@@ -55,7 +66,13 @@ void append(std::string& image, const Record& record) {
     image.append(reinterpret_cast<const char*>(&record), sizeof record);
 }
 
-std::string compile(const Source& source, const Converter& converter) {
+void tellWhatJavaRefuses(const std::string& input, const Message& message, std::size_t size, std::size_t longest) {
+    if (size <= longest) return;
+    std::fprintf(stderr, "mkmessages: %s: line %zu: %zu bytes; Java reads at most %zu of this charset\n", input.c_str(),
+                 message.line, size, longest);
+}
+
+std::string compile(const std::string& input, const Source& source, const Converter& converter) {
     using jutil::MessageEntry, jutil::MessageHeader;
     MessageHeader header{};
     if (source.charset.size() >= sizeof header.charset) throw Refused(0, "the name of the charset is too long");
@@ -67,6 +84,7 @@ std::string compile(const Source& source, const Converter& converter) {
     const std::size_t textsBegin = sizeof header + header.count * sizeof(MessageEntry);
     for (const auto& [number, message] : source.messages) {
         const std::string text = converter(message);
+        tellWhatJavaRefuses(input, message, text.size(), converter.longestForJava());
         append(entries, MessageEntry{number, static_cast<uint32_t>(textsBegin + texts.size()),
                                      static_cast<uint32_t>(text.size())});
         texts += text;
@@ -81,6 +99,16 @@ void write(const std::string& path, const std::string& image) {
     std::ofstream file{path, std::ios::binary | std::ios::trunc};
     file << image << std::flush;
     if (!file) throw std::system_error(errno, std::generic_category(), path);
+}
+
+struct DataFileTrouble : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+nls::Runtime openDataFile(const std::string& path) try {
+    return nls::Runtime{path};
+} catch (const nls::Error& error) {
+    throw DataFileTrouble{error.what()};
 }
 
 }  // namespace
@@ -98,12 +126,15 @@ int main(int argc, char** argv) {
         std::ifstream lines{input, std::ios::binary};
         if (!lines) throw std::system_error(errno, std::generic_category(), input);
         const Source source = readSource(lines);
-        nls::Runtime runtime{convmap};
-        write(output, compile(source, Converter{runtime, source.charset}));
+        nls::Runtime runtime = openDataFile(convmap);
+        write(output, compile(input, source, Converter{runtime, source.charset}));
         return kDone;
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? kDone : kUsage;
     } catch (const std::system_error& error) {
+        std::fprintf(stderr, "mkmessages: %s\n", error.what());
+        return kFileTrouble;
+    } catch (const DataFileTrouble& error) {
         std::fprintf(stderr, "mkmessages: %s\n", error.what());
         return kFileTrouble;
     } catch (const std::exception& error) {

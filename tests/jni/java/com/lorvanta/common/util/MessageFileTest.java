@@ -213,9 +213,10 @@ class MessageFileTest {
     void mkmessagesCompilesWhatIsDescribed() throws Exception {
         Path source = folder.resolve("source");
         Path output = folder.resolve("output");
-        List<String> texts = List.of("ファイル\n\\表", "", "last\tone");
+        List<String> texts = List.of("ファイル\n\\表", "", "last\tone", "z".repeat(246));
         String[][] rows = {
-            {"0", "charset SHIFT-JIS\n# three\n3 last\\tone\n\n1 ファイル\\n\\\\\\x95\\x5C\n2\n"},
+            {"0", "charset SHIFT-JIS\n# three\n3 last\\tone\n\n1 ファイル\\n\\\\\\x95\\x5C\n2\n4 "
+                    + texts.get(3) + "\n"},
             {"1", "1 no charset\n"}, {"1", "charset SHIFT-JIS\n1 😀\n"}, {"1", "charset UTF-8\n1 a\n1 b\n"},
             {"1", "charset UTF-8\n1 \\q\n"}, {"1", "charset UTF-8\n1 \\x4\n"}, {"1", "charset UTF-8\n1x\n"},
             {"1", "charset KLINGON\n1 a\n"}, {"1", "charset UTF-8\n1 " + "x".repeat(513) + "\n"}};
@@ -225,6 +226,8 @@ class MessageFileTest {
                     source.toString(), "-o", output.toString()).redirectErrorStream(true).start();
             String told = new String(run.getInputStream().readAllBytes());
             assertEquals(Integer.parseInt(row[0]), run.waitFor(), row[1] + told);
+            assertEquals(row[0].equals("0"), told.endsWith("line 7: 246 bytes; Java reads at most 245 of this charset\n"),
+                    told);
         }
         assertArrayEquals(World.messages("SHIFT-JIS", 1, in(Charset.forName("windows-31j"), texts)),
                 Files.readAllBytes(output));
