@@ -105,10 +105,12 @@ struct DataFileTrouble : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-nls::Runtime openDataFile(const std::string& path) try {
-    return nls::Runtime{path};
-} catch (const nls::Error& error) {
-    throw DataFileTrouble{error.what()};
+nls::Runtime openDataFile(const std::string& path) {
+    try {
+        return nls::Runtime{path};
+    } catch (const nls::Error& error) {
+        throw DataFileTrouble{error.what()};
+    }
 }
 
 }  // namespace
