@@ -70,7 +70,7 @@ struct TableRule {
     }
     FirstBytes mayEqual(const unsigned char* literal) const { return bytesWeighing(weights, weights.entry(*literal)); }
     LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
-        return cpuLevel() < CpuLevel::avx512 ? LikeAnswer::unknown
+        return cpuLevel() < CpuLevel::avx512 ? matchPairsPlain(charset, weights, signs, pattern, text)
                                              : matchPairsAvx512(charset, weights, signs, pattern, text);
     }
 };
@@ -96,7 +96,7 @@ struct ValueRule {
         return bytes;
     }
     LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
-        return cpuLevel() < CpuLevel::avx512 ? LikeAnswer::unknown
+        return cpuLevel() < CpuLevel::avx512 ? matchUtf8Plain(charset, nullptr, signs, pattern, text)
                                              : matchUtf8Avx512(charset, nullptr, signs, pattern, text);
     }
 };
@@ -128,7 +128,7 @@ struct LowerFormRule {
         return bytesOfForm(*table, charset, lowerFormAt(*table, charset, literal));
     }
     LikeAnswer matchShort(const LikeSigns& signs, const unsigned char* pattern, const unsigned char* text) const {
-        return cpuLevel() < CpuLevel::avx512 ? LikeAnswer::unknown
+        return cpuLevel() < CpuLevel::avx512 ? matchUtf8Plain(charset, table, signs, pattern, text)
                                              : matchUtf8Avx512(charset, table, signs, pattern, text);
     }
 };

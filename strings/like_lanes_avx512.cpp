@@ -1,78 +1,23 @@
 #include <array>
 
-#include "chars/lchar.hpp"
 #include "collation/ascii_case.hpp"
 #include "convmap/case_pages.hpp"
+#include "strings/like_follow.hpp"
 #include "strings/like_lanes.hpp"
 #include "strings/text_block_avx512.hpp"
 
 namespace nls {
 namespace {
 
-// Lanes of characters in a text of at most 63 bytes.
-struct Characters {
-    std::size_t length;
-    std::uint64_t starts;  // of characters, and the NUL
-    std::uint64_t trails;  // all other bytes
+using like::Characters;
 
-    // The starts behind the characters of some starts: a bit that is added to a run of trails leaves it at its end.
-    NLS_TARGET_AVX512 std::uint64_t behind(std::uint64_t some) const {
-        const std::uint64_t next = some << 1;
-        return (((next & trails) + trails) & ~trails & starts) | (next & starts);
-    }
+struct Block {
+    __m512i bytes;
+
+    NLS_TARGET_AVX512 std::uint64_t equal(unsigned char byte) const { return lanesOf(bytes, byte); }
 };
-
-// Where a literal stands, and its bytes; none if that isn't known.
-struct Stands {
-    std::uint64_t lanes;
-    unsigned width;
-};
-constexpr Stands kUnknown{0, 0};
-
-NLS_TARGET_AVX512 inline LCharRead readElement(const Charset& charset, const unsigned char* place) {
-    if (charset.trailCount(*place) == 0) return {*place, place + 1};
-    return readLChar(charset, place);
-}
-
-// Behind a `multi`, which the pattern isn't the end of. `Text` has `characters`, and tells where a literal stands.
-template <typename Text>
-NLS_TARGET_AVX512 inline LikeAnswer follow(const Text& text, const Charset& charset, const LikeSigns& signs,
-                                           const unsigned char* pattern) {
-    const Characters& characters = text.characters;
-    std::uint64_t fits = characters.starts;
-    bool behindSingle = false, onBlank = false;
-    while (*pattern != 0) {
-        if (fits == 0 && !onBlank) return LikeAnswer::no;
-        const unsigned char* literal = pattern;
-        LCharRead read = readElement(charset, pattern);
-        pattern = read.next;
-        if (read.value == signs.escape) {
-            literal = pattern;
-            read = *literal != 0 ? readElement(charset, literal) : LCharRead{0, literal};
-            const bool allowed = read.value == signs.single || read.value == signs.multi || read.value == signs.escape;
-            if (read.value == 0 || !allowed) return LikeAnswer::no;
-            pattern = read.next;
-        } else if (read.value == signs.single) {
-            fits = characters.behind(fits);
-            behindSingle = true;
-            onBlank = false;
-            continue;
-        } else if (read.value == signs.multi) {
-            if (*pattern == 0) return onBlank ? LikeAnswer::unknown : fits != 0 ? LikeAnswer::yes : LikeAnswer::no;
-            if ((fits & firstLanes(characters.length)) == 0) return LikeAnswer::no;
-            fits = characters.starts & -_blsi_u64(fits);
-            behindSingle = onBlank = false;
-            continue;
-        }
-        const Stands stands = text.stands(literal, read);
-        if (stands.width == 0) return LikeAnswer::unknown;
-        fits = (fits & stands.lanes) << stands.width & characters.starts;
-        onBlank = behindSingle && *literal == ' ';
-        behindSingle = false;
-    }
-    if (onBlank) return LikeAnswer::unknown;
-    return (fits >> characters.length & 1) != 0 ? LikeAnswer::yes : LikeAnswer::no;
-}
+using Pairs = like::Pairs<Block>;
+using Utf8 = like::Utf8<Block>;
 
 // What the announced trailing bytes of a text are: those behind first bytes that announce one, two and three.
 struct Leads {
@@ -92,59 +37,6 @@ constexpr std::uint64_t trailsOfPairs(std::uint64_t leads) {
     const std::uint64_t behind = leads << 1;
     return (((behind | kOdd) - leads) ^ kOdd) ^ leads;
 }
-
-struct Pairs {
-    Characters characters;
-    const Charset& charset;
-    WeightMap weights;
-    __m512i bytes, weighed;
-    std::uint64_t leads;
-
-    NLS_TARGET_AVX512 Stands stands(const unsigned char* literal, const LCharRead& read) const {
-        const unsigned char weight = weights.entry(*literal);
-        const unsigned trails = charset.trailCount(*literal);
-        if (weight == 0 || trails > 1) return kUnknown;  // an expansion
-        const std::uint64_t same = lanesOf(weighed, weight);
-        if (trails == 0) return {same & ~leads, 1};
-        if (read.next != literal + 2 || literal[1] == ' ') return kUnknown;  // may equal a single byte
-        return {same & leads & lanesOf(bytes, literal[1]) >> 1, 2};
-    }
-};
-
-constexpr unsigned char lowerOfAscii(unsigned char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<unsigned char>(byte | 0x20) : byte;
-}
-
-// Bytes of UTF-8, or those of the lower forms of its characters.
-struct Utf8 {
-    Characters characters;
-    const Charset& charset;
-    const nlsUnicodeCaseStruct* table;
-    __m512i bytes;
-
-    // REQUIRES: ASCII has its usual lower forms, and no others.
-    NLS_TARGET_AVX512 Stands stands(const unsigned char* literal, const LCharRead& read) const {
-        if (table != nullptr && *literal < 0x80 && read.next == literal + 1)
-            return {lanesOf(bytes, lowerOfAscii(*literal)), 1};
-        if (table != nullptr) return standsByForm(caseFormOf(table->casePages, read.value, CaseForm::lower));
-        const unsigned width = charset.trailCount(*literal) + 1;
-        if (read.next != literal + width || width > 4) return kUnknown;
-        std::uint64_t lanes = lanesOf(bytes, *literal);
-        for (unsigned i = 1; i != width; ++i) lanes &= lanesOf(bytes, literal[i]) >> i;
-        return {lanes, width};
-    }
-
-private:
-    NLS_TARGET_AVX512 Stands standsByForm(nlsLChar form) const {
-        const unsigned width = form == 0 ? 0 : 4 - static_cast<unsigned>(__builtin_clz(form)) / 8;
-        const auto first = static_cast<unsigned char>(form >> 8 * (width - 1) % 32);
-        if (width == 0 || charset.trailCount(first) + 1 != width) return kUnknown;  // no form that text has
-        std::uint64_t lanes = lanesOf(bytes, first);
-        for (unsigned i = 1; i != width; ++i)
-            lanes &= lanesOf(bytes, static_cast<unsigned char>(form >> 8 * (width - 1 - i))) >> i;
-        return {lanes, width};
-    }
-};
 
 // The characters of regular UTF-8: trailing bytes stand where they are announced, and nowhere else; ASCII announces
 // none, and all other first bytes do, since one that stands alone could fold to ASCII. Elsewhere `length` is 0.
@@ -215,8 +107,8 @@ NLS_TARGET_AVX512 inline FormRow lowerFormsOf(const uint16_t* page, unsigned cha
 // character has three bytes and its page has forms. REQUIRES: ASCII has its usual forms.
 NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const Leads& leads,
                                         const unsigned char* source, Utf8& text) {
-    const __m512i bytes = text.bytes;
-    text.bytes = lowerAscii(bytes);
+    const __m512i bytes = text.bytes.bytes;
+    __m512i forms = lowerAscii(bytes);
     std::uint64_t three = leads.two & text.characters.starts;
     if (three != 0) three &= lanesOf(bytes, 0xE1) | lanesOf(bytes, 0xE2) | lanesOf(bytes, 0xEF);
     for (; three != 0; three = _blsr_u64(three)) {
@@ -231,7 +123,7 @@ NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const
         const std::uint64_t same = lanesOf(bytes, lead) & left;
         left &= ~same;
         const FormRow row = lowerFormsOf(table.casePages[lead], lead);
-        text.bytes = _mm512_mask_permutexvar_epi8(text.bytes, same << 1, bytes, row.last);
+        forms = _mm512_mask_permutexvar_epi8(forms, same << 1, bytes, row.last);
         fronts = _mm512_mask_permutexvar_epi8(fronts, same << 1, bytes, row.before);
         lasts |= same << 1;
     }
@@ -240,7 +132,7 @@ NLS_TARGET_AVX512 inline bool lowerUtf8(const nlsUnicodeCaseStruct& table, const
         for (unsigned i = 0; i != kTextBlock; ++i) places[i] = static_cast<unsigned char>((i + 1) % kTextBlock);
         return places;
     }();
-    text.bytes = _mm512_mask_permutexvar_epi8(text.bytes, lasts >> 1, _mm512_load_si512(kNext.data()), fronts);
+    text.bytes = {_mm512_mask_permutexvar_epi8(forms, lasts >> 1, _mm512_load_si512(kNext.data()), fronts)};
     return _mm512_mask_testn_epi8_mask(lasts, fronts, fronts) == 0;
 }
 
@@ -253,7 +145,7 @@ NLS_TARGET_AVX512 inline bool keepsOutOfAscii(const nlsUnicodeCaseStruct& table,
     do {  // once at least: whether a text is ASCII no branch foresees
         const unsigned char lead = source[_tzcnt_u64(left) % kTextBlock];
         const __mmask32 counts = left != 0 ? ~__mmask32{0} : 0;
-        left &= ~lanesOf(text.bytes, lead);
+        left &= ~text.bytes.equal(lead);
         for (unsigned i = 0; i != kCasePageEntries / 2; i += kEntries) {
             const __m512i forms = _mm512_loadu_si512(table.casePages[lead] + kLowerHalf + i);
             ascii |= counts &
@@ -268,47 +160,39 @@ NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS inline bool isAscii(const unsigned char
     return block.ended && (_mm512_movepi8_mask(block.bytes) & firstLanes(block.length)) == 0;
 }
 
-bool isOrdinary(const TextBlock& block, const LikeSigns& signs) {
-    return block.ended && signs.single != signs.multi;
-}
-
 }  // namespace
 
-NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchPairsAvx512(const Charset& charset, WeightMap weights,
-                                                                     const LikeSigns& signs,
-                                                                     const unsigned char* pattern,
-                                                                     const unsigned char* text) {
+NLS_TARGET_AVX512 LikeAnswer matchPairsAvx512(const Charset& charset, WeightMap weights, const LikeSigns& signs,
+                                              const unsigned char* pattern, const unsigned char* text) {
     const TextBlock block = textBlockAt(text);
-    if (!isOrdinary(block, signs)) return LikeAnswer::unknown;
+    if (!block.ended) return LikeAnswer::unknown;
     const std::uint64_t all = firstLanes(block.length);
     const Leads leads = leadsOf(charset, block.bytes);
     const std::uint64_t trails = trailsOfPairs(leads.one & all);
     const std::uint64_t starts = all & ~trails;
-    Pairs pairs{{block.length, starts | (all + 1), trails}, charset,           weights, block.bytes,
-                lookUpOnce(weights.entries(), block.bytes), leads.one & starts};
-    const std::uint64_t odd = ((leads.two | leads.three | leads.more | lanesOf(pairs.weighed, 0)) & starts) |
+    Pairs pairs{{block.length, starts | (all + 1), trails},   charset,           weights, {block.bytes},
+                {lookUpOnce(weights.entries(), block.bytes)}, leads.one & starts};
+    const std::uint64_t odd = ((leads.two | leads.three | leads.more | pairs.weighed.equal(0)) & starts) |
                               (lanesOf(block.bytes, ' ') & trails) | (trails & ~all);
-    return odd != 0 ? LikeAnswer::unknown : follow(pairs, charset, signs, pattern);
+    return odd != 0 ? LikeAnswer::unknown : like::follow(pairs, charset, signs, pattern);
 }
 
-NLS_TARGET_AVX512 NLS_READS_WHOLE_BLOCKS LikeAnswer matchUtf8Avx512(const Charset& charset,
-                                                                    const nlsUnicodeCaseStruct* table,
-                                                                    const LikeSigns& signs,
-                                                                    const unsigned char* pattern,
-                                                                    const unsigned char* text) {
+NLS_TARGET_AVX512 LikeAnswer matchUtf8Avx512(const Charset& charset, const nlsUnicodeCaseStruct* table,
+                                             const LikeSigns& signs, const unsigned char* pattern,
+                                             const unsigned char* text) {
     const TextBlock block = textBlockAt(text);
-    if (!isOrdinary(block, signs)) return LikeAnswer::unknown;
+    if (!block.ended) return LikeAnswer::unknown;
     const Leads leads = leadsOf(charset, block.bytes);
-    Utf8 utf8{utf8Characters(leads, block), charset, table, block.bytes};
+    Utf8 utf8{utf8Characters(leads, block), charset, table, {block.bytes}};
     if (utf8.characters.length == 0) return LikeAnswer::unknown;
     if (table != nullptr) {
         if (!hasPlainAsciiForms(*table)) return LikeAnswer::unknown;
         if (isAscii(pattern) && keepsOutOfAscii(*table, leads, text, utf8))
-            utf8.bytes = lowerAscii(utf8.bytes);
+            utf8.bytes = {lowerAscii(block.bytes)};
         else if (!lowerUtf8(*table, leads, text, utf8))
             return LikeAnswer::unknown;
     }
-    return follow(utf8, charset, signs, pattern);
+    return like::follow(utf8, charset, signs, pattern);
 }
 
 }  // namespace nls

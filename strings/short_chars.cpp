@@ -6,16 +6,12 @@
 // the rest that a match needs is asked. Where there are no such keys, the search in full takes over.
 #include <algorithm>
 
-#include "collation/ascii_case.hpp"
-#include "collation/equal_run.hpp"
-#include "collation/pair_off.hpp"
 #include "convmap/case_pages.hpp"
 #include "core/base/charset.hpp"
 #include "strings/character_starts.hpp"
 #include "strings/search.hpp"
+#include "strings/short_keys.hpp"
 #include "strings/short_search.hpp"
-#include "strings/short_text.hpp"
-#include "strings/utf8_block.hpp"
 
 namespace nls {
 namespace {
@@ -44,107 +40,30 @@ private:
     CharsetLengths lengths_;
 };
 
-// UTF-8 by lower forms, as long as these leave each character its length.
-class FormKeys {
-public:
+// UTF-8 by lower forms.
+struct FormKeys : LowerFormKeys {
     static constexpr bool kMistakesLengths = false;
 
     FormKeys(const nlsLocale& locale, uint16_t)
-        : attrib_(*locale.attrib),
-          pages_(unicodeCaseTable(*locale.caseTable).casePages),
-          hasPlainAscii_(isAsciiSingleByte(attrib_) && hasPlainAsciiForms(pages_, CaseForm::lower)) {}
+        : LowerFormKeys(*locale.attrib, unicodeCaseTable(*locale.caseTable).casePages) {}
 
-    bool make(ShortText& text) const {
-        const ByteBlock block{text.bytes};
-        text.longer = 0;
-        text.starts = firstBits(text.length);
-        lowerAscii(text);
-        const std::uint64_t high = block.high();
-        if (high == 0) return hasPlainAscii_;
-        const Utf8Block shape = readUtf8Block(block);
-        text.starts &= shape.starts;
-        const std::uint64_t mayHaveForms = (high & block.highBelow(0xE3)) | block.equal(0xEF);
-        return hasPlainAscii_ && shape.plain && hasUsualLengths() && lowerLonger(text, text.starts & mayHaveForms);
-    }
     static bool confirms(const Texts&, const unsigned char*, const ShortText&) { return true; }
-
-private:
-    static void lowerAscii(ShortText& text) {
-#pragma GCC unroll 4
-        for (unsigned i = 0; i != kShortParts; ++i)
-            _mm_store_si128(text.part(i), run::SameButForAsciiCase::folded(_mm_load_si128(text.part(i))));
-    }
-    // Of the first bytes of longer characters in plain blocks.
-    bool hasUsualLengths() const {
-        __m128i odd = _mm_setzero_si128();
-#pragma GCC unroll 4
-        for (unsigned i = 0xC0; i < 0x100; i += kShortLanes) {
-            const __m128i trails = _mm_and_si128(run::load(attrib_.lengthMap + i), run::load(&kCountedTrails[i]));
-            odd = _mm_or_si128(odd, _mm_xor_si128(trails, run::load(&kUsualTrails[i])));
-        }
-        return _mm_movemask_epi8(_mm_cmpeq_epi8(odd, _mm_setzero_si128())) == 0xFFFF;
-    }
-    // A form replaces the last two bytes. One of two bytes that aren't regular could be taken for other characters.
-    bool lowerLonger(ShortText& text, std::uint64_t firsts) const {
-        const auto& pages = pages_;
-        unsigned odd = 0;
-        for (; firsts != 0; firsts &= firsts - 1) {
-            unsigned char* const first = text.bytes + __builtin_ctzll(firsts);
-            const bool ofThree = *first >= 0xE0;
-            unsigned char* const last = first + 1 + ofThree;
-            const unsigned top = ofThree ? unsigned{*first} << 16 : 0;
-            const unsigned form = caseFormOf(pages, top | unsigned{last[-1]} << 8 | *last, CaseForm::lower);
-            odd |= ofThree ? 0 : (form ^ 0xC080U) & 0xE0C0U;
-            last[-1] = static_cast<unsigned char>(form >> 8);
-            *last = static_cast<unsigned char>(form);
-        }
-        return odd == 0;
-    }
-
-    const nlsAttribStruct& attrib_;
-    const uint16_t* const (&pages_)[kCasePages];
-    bool hasPlainAscii_;
 };
 
-// Characters of one and two bytes under byte tables: the weight of the first byte, and the second as it is. Its key is
-// its weight, too, since that is looked up before it is known which bytes are second ones.
-class WeightKeys {
-public:
+// Characters of one and two bytes under byte tables: second bytes are compared as they are.
+struct PairKeys : WeightKeys {
     static constexpr bool kMistakesLengths = true;
 
-    WeightKeys(const nlsLocale& locale, uint16_t mode)
-        : charset_(*locale.attrib), weights_(WeightMap::of(*locale.coll, mode)) {}
+    PairKeys(const nlsLocale& locale, uint16_t mode)
+        : WeightKeys(Charset{*locale.attrib}, WeightMap::of(*locale.coll, mode)) {}
 
-    bool make(ShortText& text) const {
-        const unsigned char* const lengths = charset_.lengths();
-        const WeightMap weights = weights_;
-        const std::size_t length = text.length;
-        std::uint64_t announced = 0;  // bit 0 of each length, shifted in from above
-        unsigned any = 0;
-        for (std::size_t i = 0; i != length; ++i) {
-            const unsigned char byte = text.bytes[i];
-            text.bytes[i] = weights.entry(byte);
-            any |= lengths[byte];
-            announced = announced >> 1 | std::uint64_t{lengths[byte]} << 63;
-        }
-        const std::uint64_t firsts = length == 0 ? 0 : announced >> (blockSize - length);
-        const std::uint64_t seconds = pairOff(firsts, false, blockSize).lanes;
-        text.starts = firstBits(length) & ~seconds;
-        text.longer = firsts & text.starts;
-        const bool expands = (ByteBlock{text.bytes}.equal(0) & text.starts) != 0;
-        return (any & 6) == 0 && !expands && (seconds >> length & 1) == 0;
-    }
-    bool confirms(const Texts& texts, const unsigned char* match, const ShortText& ofPattern) const {
+    static bool confirms(const Texts& texts, const unsigned char* match, const ShortText& ofPattern) {
         for (std::uint64_t longer = ofPattern.longer; longer != 0; longer &= longer - 1) {
             const auto second = static_cast<std::size_t>(__builtin_ctzll(longer)) + 1;
             if (match[second] != texts.pattern[second]) return false;
         }
         return true;
     }
-
-private:
-    Charset charset_;
-    WeightMap weights_;
 };
 
 struct Candidates {
@@ -238,7 +157,7 @@ nlsStatus searchShortByFormsPlain(const nlsLocale* locale, nlsTlsBlock* tls, con
 nlsStatus searchShortByWeightsPlain(const nlsLocale* locale, nlsTlsBlock* tls, const unsigned char* pattern,
                                     const unsigned char* text, uint16_t mode, uint32_t* pos, uint32_t* end,
                                     const unsigned char** found) {
-    return searchBy<WeightKeys>(locale, tls, pattern, text, mode, pos, end, found);
+    return searchBy<PairKeys>(locale, tls, pattern, text, mode, pos, end, found);
 }
 
 }  // namespace nls

@@ -34,23 +34,30 @@ protected:
     void SetUp() override { nls::limitCpuLevel(GetParam()); }
     void TearDown() override { nls::limitCpuLevel(CpuLevel::avx512); }
 
-    // Beside the model, with a faulting page behind both texts; then with a text that goes on in another page, and has
-    // letters behind its end.
+    // Beside the model, with a faulting page behind both texts; then with letters behind the end of a text that goes on
+    // in another page, and of one that doesn't.
     void expect(const LikeWorld& world, const std::string& pattern, const std::string& text, unsigned mode,
                 LikeSet signs) {
         const auto compareMode = static_cast<uint16_t>(mode);
         const unsigned char* const p = patterns_.atEnd(pattern.c_str(), pattern.size() + 1);
         const unsigned char* const t = texts_.atEnd(text.c_str(), text.size() + 1);
-        unsigned char* const across = acrossPages_.atStart() + kPage - text.size() / 2;
-        std::memset(across + text.size(), 'a', 2 * kBlock);
-        std::memcpy(across, text.c_str(), text.size() + 1);
+        const auto amongLetters = [&](unsigned char* place) {
+            std::memset(place + text.size(), 'a', 2 * kBlock);
+            return static_cast<unsigned char*>(std::memcpy(place, text.c_str(), text.size() + 1));
+        };
+        const unsigned char* const across = amongLetters(acrossPages_.atStart() + kPage - text.size() / 2);
+        const unsigned char* const inside = amongLetters(acrossPages_.atStart());
         const nls::reference::Like model{world.locale, compareMode, signs.escape, signs.single, signs.multi};
         const int32_t want = model(p, t);
-        for (const unsigned char* const place : {t, static_cast<const unsigned char*>(across)})
+        for (const unsigned char* const place : {t, across, inside})
             ASSERT_EQ(like(world.locale, p, place, compareMode, signs), want)
                 << world.name << ": " << testing::PrintToString(text) << " like " << testing::PrintToString(pattern)
                 << " in mode " << mode << std::hex << ", signs " << signs.escape << " " << signs.single << " "
-                << signs.multi << (place == t ? "" : ", in two pages");
+                << signs.multi
+                << (place == t        ? ", at the end"
+                    : place == across ? ", across"
+                                      : ", inside")
+                << " of a page";
         ++seen_[want + 1];
     }
 
@@ -91,7 +98,17 @@ TEST_P(Like, CharactersThatOnlyTheComparisonKnows) {
     expect(worlds_.at("shift-jis"), "%\x81 ", "x\x81", 0, kUsual);
     expect(worlds_.at("shift-jis"), "%\xDF_", "as", 0, kUsual);
     expect(worlds_.at("shift-jis"), "a_", "a\x81", 0, kUsual);
-    EXPECT_EQ(seen_[2], 6U);
+    expect(worlds_.at("utf8, a letter with a trailing byte, kind 3"), "%x_b", "xsab", 1, kUsual);
+    for (const unsigned mode : {0U, 1U})
+        expect(worlds_.at("utf8, odd lengths, kind 3"), "%x__b",
+               "x\xC4\xB0"
+               "b",
+               mode, kUsual);
+    expect(worlds_.at("utf8, own ASCII, kind 3"), "%b",
+           "\xC3\xA9"
+           "A",
+           0, kUsual);
+    EXPECT_EQ(seen_[2], 10U);
 }
 
 // At the beginning of a text, at its end, and at the end of a long one.
@@ -101,10 +118,12 @@ TEST_P(Like, CharactersThatFewAreEqualTo) {
     } rows[] = {
         {"shift-jis, crowded, kind 1", "a", "\xE0 "},  // a blank behind what weighs as the letter
         {"shift-jis, crowded, kind 1", "\xE0 ", "a"},
+        {"shift-jis, crowded, kind 1", "a", "\xE0"},      // a first byte alone
         {"shift-jis, crowded, kind 1", "\x81s", "\xDF"},  // an expansion beside its two letters
         {"shift-jis, crowded, kind 1", "\xDF", "\x81s"},
         {"utf8, kind 3", "i", "\xC4\xB0"},  // forms on another page, and of another length
         {"utf8, kind 3", "\xD1\x80", "\xD0\xA0"},
+        {"utf8, kind 3", "\xEF\xBD\x81", "\xEF\xBC\xA1"},
         {"utf8, kind 3", "c", "\xC3"},  // a first byte alone
         {"utf8, first bytes alone, kind 3", "a", "\xC1"},
         {"utf8, kind 3", "?", "\xF9\x80\x80\x80\x80"},
@@ -170,11 +189,14 @@ std::string pieces(std::mt19937& random, const std::vector<std::string>& from, s
 TEST_P(Like, RandomPatternsInEveryWorld) {
     std::mt19937 random{11};
     for (const LikeWorld& world : worlds_.all()) {
-        for (unsigned round = 0; round < 4000; ++round) {
+        for (unsigned round = 0; round < 12'000; ++round) {
             const LikeSet signs = round % 2 == 0 ? kUsual : world.signs[random() % world.signs.size()];
-            const std::string few{world.pieces[random() % world.pieces.size()]};
-            const std::string pattern = pieces(random, world.pieces, 7, "a_%%" + few);
-            const std::string text = pieces(random, world.pieces, 9, "aaA " + few);
+            const auto piece = [&] { return world.pieces[random() % world.pieces.size()]; };
+            const std::vector<std::string> few{piece(), piece(), piece()};
+            const bool isLikely = round % 4 < 2;  // that the pattern fits
+            const auto& from = isLikely ? few : world.pieces;
+            const std::string pattern = (isLikely ? "%" : "") + pieces(random, from, 7, "a_%%" + few[0]);
+            const std::string text = pieces(random, from, 9, "aaA " + few[0]);
             const auto mode = static_cast<uint16_t>(random() % 8 == 0 ? 2 : random() % 2);
             expect(world, pattern, text, mode, signs);
             if (HasFatalFailure()) return;

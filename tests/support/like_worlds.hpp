@@ -30,7 +30,9 @@ public:
     LikeWorlds() : routes_(handRoutes()) {
         table_.fillFromLibrary();
         wild_.fillFromLibrary();
-        wild_.fillWild(3, true);
+        wild_.fillWild(3, false);
+        ownAscii_.fillFromLibrary();
+        ownAscii_.set(0x41, CaseForm::lower, 0x62);
         for (const HandRoute& route : routes_) add(route.name, route.get());
         for (const int32_t kind : {2, 3, 4}) {
             addMade("single", kind, singleByteCharset());
@@ -39,10 +41,17 @@ public:
         addMade("utf8", 1, utf8Charset());
         addMade("utf8", 3, utf8Charset()).caseTable = table_.get();
         addMade("utf8, wild table", 3, utf8Charset()).caseTable = wild_.get();
+        addMade("utf8, own ASCII", 3, utf8Charset()).caseTable = ownAscii_.get();
         addMade("utf8, no table", 3, utf8Charset());
-        nlsAttribStruct loneBytes = utf8Charset();
-        loneBytes.lengthMap[0xC1] = 0;
-        addMade("utf8, first bytes alone", 3, loneBytes).caseTable = table_.get();
+        nlsAttribStruct oddLengths = utf8Charset();
+        oddLengths.lengthMap[0xC1] = 0;
+        addMade("utf8, first bytes alone", 3, oddLengths).caseTable = table_.get();
+        oddLengths.lengthMap[0xC4] = 0;
+        oddLengths.lengthMap[0xD0] = 2;
+        addMade("utf8, odd lengths", 3, oddLengths).caseTable = table_.get();
+        oddLengths = utf8Charset();
+        oddLengths.lengthMap[unsigned{'s'}] = 1;
+        addMade("utf8, a letter with a trailing byte", 3, oddLengths).caseTable = table_.get();
         addMade("shift-jis", 3, sjisCharset());
         addMade("no collation", 1, singleByteCharset()).coll = nullptr;
         addMade("no collation, shift-jis", 1, sjisCharset()).coll = nullptr;
@@ -95,7 +104,10 @@ private:
                                            "\xF9",
                                            "\x80",
                                            "\xD0\xA0",
-                                           "\xD1\x80"}
+                                           "\xD1\x80",
+                                           "\xEF\xBC\xA1",
+                                           "\xEF\xBD\x81",
+                                           "\xF0"}
                 : std::vector<std::string>{"\x81\x40",     "\x81\x41", "\xA4\xA2",    "\x8E\xB1", "\x81",
                                            "\x8F\xA2\xAF", "\xE0 ",    "\x17zzzzzzz", "\xA4",     "\xE0\x5C"};
         world.pieces.insert(world.pieces.end(), wide.begin(), wide.end());
@@ -124,7 +136,7 @@ private:
 
     std::vector<HandRoute> routes_;
     std::vector<std::unique_ptr<CollatedLocale>> made_;
-    MadeCaseTable table_, wild_;
+    MadeCaseTable table_, wild_, ownAscii_;
     std::vector<LikeWorld> worlds_;
 };
 
