@@ -1,7 +1,7 @@
 // mkmessages: compiles a message file (docs/message-file.md) from text.
 //
-// The text is converted into the file's charset; a character that the charset lacks is refused. A text that the bridge to
-// Java won't read, because it might not fit there in UTF-8, is told.
+// The text is converted into the file's charset; a character that the charset lacks is refused. A text that the bridge
+// to Java won't read, because it might not fit there in UTF-8, is told.
 // Exit codes: 0 done, 1 a text that is refused, 2 usage, 4 file trouble.
 #include <CLI/CLI.hpp>
 #include <cstdio>
